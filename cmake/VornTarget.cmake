@@ -1,0 +1,27 @@
+# What every target of the project is built with.
+
+add_library(vorn_options INTERFACE)
+target_compile_features(vorn_options INTERFACE cxx_std_20)
+target_compile_options(vorn_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror
+  -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-align -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wnull-dereference -Wdouble-promotion -Wformat=2 -Wextra-semi
+  # The same world ends in the same state in every build: no fused multiply-add behind our back.
+  -ffp-contract=off)
+
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64" AND VORN_ARCH)
+  target_compile_options(vorn_options INTERFACE -march=${VORN_ARCH})
+endif()
+
+if(VORN_SANITIZE)
+  target_compile_options(vorn_options INTERFACE
+    -fsanitize=${VORN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(vorn_options INTERFACE -fsanitize=${VORN_SANITIZE})
+endif()
+
+# vorn_program(name sources...): a program of ours beside the library: the repository is its include root.
+function(vorn_program name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE Vorn::Vorn vorn_options)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+endfunction()

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+//
+// The singletons of the library, in the order in which they come up; they go in the reverse order. They stand in one
+// source because only within a source the order of definition is that of construction.
+#include "vorn/core/delta_clock.hpp"
+#include "vorn/physics/physics_cmpt.hpp"
+#include "vorn/physics/physics_system.hpp"
+#include "vorn/render/emitter_cmpt.hpp"
+#include "vorn/render/emitter_system.hpp"
+#include "vorn/render/graphics_cmpt.hpp"
+#include "vorn/render/graphics_system.hpp"
+#include "vorn/scene/entity_factory.hpp"
+#include "vorn/scene/scene_manager.hpp"
+
+namespace Vorn {
+
+template <>
+DeltaClock Singleton<DeltaClock>::mSingleton{};
+template <>
+EntityFactory Singleton<EntityFactory>::mSingleton{};
+template <>
+SceneManager Singleton<SceneManager>::mSingleton{};
+template <>
+GraphicsSystem Singleton<GraphicsSystem>::mSingleton{};
+template <>
+PhysicsSystem Singleton<PhysicsSystem>::mSingleton{};
+template <>
+EmitterSystem Singleton<EmitterSystem>::mSingleton{};
+
+} // namespace Vorn
