@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The singletons of the library, in the order in which they come up; they go in the reverse order. They stand in one
-// source because only within a source the order of definition is that of construction.
+// The singletons of the library, in the order in which they come up; they go in the reverse order.
+// They stand in one source because only within a source the order of definition is that of
+// construction.
 #include "vorn/core/delta_clock.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/physics/physics_system.hpp"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the platform's own interfaces lack and tests, samples and tools need: a hand on the machine below the engine.
-// The engine itself never includes this header.
+// What the platform's own interfaces lack and tests, samples and tools need: a hand on the machine
+// below the engine. The engine itself never includes this header.
 //
 //   VornPlatform::HoldClock(VornPlatform::ClockFrequency * 100);
 //   Vorn::DeltaClock::Instance()->Update();

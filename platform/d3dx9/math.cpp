@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The mathematics of D3DX 9, by its published definitions. Results are computed into locals first, since an out
-// pointer may be the same as an argument.
+// The mathematics of D3DX 9, by its published definitions. Results are computed into locals first,
+// since an out pointer may be the same as an argument.
 #include <d3dx9.h>
 
 #include <cmath>
@@ -35,8 +35,8 @@ D3DXMATRIX Rows(float m11, float m12, float m13, float m14, float m21, float m22
     return D3DXMATRIX(elements);
 }
 
-// Cramer's rule by the twelve 2x2 minors of the upper and the lower half, in double: a view and a projection
-// multiplied leave little of a float's precision.
+// Cramer's rule by the twelve 2x2 minors of the upper and the lower half, in double: a view and a
+// projection multiplied leave little of a float's precision.
 void Inverse(double (&inverse)[4][4], const double (&m)[4][4]) {
     const double s0 = m[0][0] * m[1][1] - m[1][0] * m[0][1];
     const double s1 = m[0][0] * m[1][2] - m[1][0] * m[0][2];
@@ -147,16 +147,16 @@ D3DXMATRIX* D3DXMatrixPerspectiveFovLH(D3DXMATRIX* out, float fovY, float aspect
 
 D3DXMATRIX* D3DXMatrixOrthoOffCenterLH(D3DXMATRIX* out, float l, float r, float b, float t,
                                        float zn, float zf) {
-    *out = Rows(2 / (r - l), 0, 0, 0, //
-                0, 2 / (t - b), 0, 0, //
+    *out = Rows(2 / (r - l), 0, 0, 0,   //
+                0, 2 / (t - b), 0, 0,   //
                 0, 0, 1 / (zf - zn), 0, //
                 (l + r) / (l - r), (t + b) / (b - t), zn / (zn - zf), 1);
     return out;
 }
 
-D3DXVECTOR3* D3DXVec3Unproject(D3DXVECTOR3* out, const D3DXVECTOR3* v,
-                               const D3DVIEWPORT9* viewport, const D3DXMATRIX* projection,
-                               const D3DXMATRIX* view, const D3DXMATRIX* world) {
+D3DXVECTOR3* D3DXVec3Unproject(D3DXVECTOR3* out, const D3DXVECTOR3* v, const D3DVIEWPORT9* viewport,
+                               const D3DXMATRIX* projection, const D3DXMATRIX* view,
+                               const D3DXMATRIX* world) {
     double toClip[4][4];
     for (int r = 0; r < 4; ++r)
         for (int c = 0; c < 4; ++c)
@@ -235,7 +235,8 @@ D3DXQUATERNION* D3DXQuaternionSlerp(D3DXQUATERNION* out, const D3DXQUATERNION* a
     const float sign = cosine < 0.0f ? -1.0f : 1.0f;
     cosine *= sign;
 
-    // Where the arc is so short that its sine is lost in rounding, the chord is the same to a float's precision.
+    // Where the arc is so short that its sine is lost in rounding, the chord is the same to a
+    // float's precision.
     float fromA = 1 - t, fromB = t;
     if (1 - cosine > 0.001f) {
         const float arc = std::acos(cosine);

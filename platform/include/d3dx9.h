@@ -5,9 +5,10 @@
 //   D3DXMATRIX view;
 //   D3DXMatrixLookAtLH(&view, &eye, &at, &up);
 //
-// Matrices multiply row vectors: v' = v M, the translation stands in the fourth row. Angles are radians. An out
-// pointer may be the same as an argument; each function returns its first argument. What has no result (a look-at
-// without direction, a singular matrix) gives infinities or NaNs, never an error.
+// Matrices multiply row vectors: v' = v M, the translation stands in the fourth row. Angles are
+// radians. An out pointer may be the same as an argument; each function returns its first argument.
+// Nothing reports an error: a vector without length has the direction (0, 0, 0), so a look-at
+// without one has axes of zeros, and a singular matrix gives infinities or NaNs.
 //
 //   [X] mathematics
 //   [ ] textures, surfaces, fonts, lines, effects, shaders

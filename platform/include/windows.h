@@ -6,8 +6,9 @@
 //   QueryPerformanceCounter(&counter);
 //   QueryPerformanceFrequency(&frequency);
 //
-// Widths are those of the 32-bit platform wherever a record crosses the border: LONG, DWORD, BOOL and HRESULT have
-// 32 bits. Handles, WPARAM and LPARAM are as wide as a pointer. No macro renames a function.
+// Widths are those of the 32-bit platform wherever a record crosses the border: LONG, DWORD, BOOL
+// and HRESULT have 32 bits. Handles, WPARAM and LPARAM are as wide as a pointer. No macro renames a
+// function.
 //
 //   [X] types and result codes
 //   [X] performance counter, Sleep
@@ -95,16 +96,18 @@ struct WIN32_FIND_DATAA {
 
 #pragma GCC visibility push(default)
 
-/// Counts since some moment before the start, monotonic, never below ten seconds' worth. Always TRUE.
+/// Counts since some moment before the start, monotonic, never below ten seconds' worth. Always
+/// TRUE.
 BOOL QueryPerformanceCounter(LARGE_INTEGER*);
 /// Counts per second, constant and above 0. Always TRUE.
 BOOL QueryPerformanceFrequency(LARGE_INTEGER*);
 void Sleep(DWORD milliseconds);
 
-/// Lists "folder/pattern", where `*` and `?` in the last element are wildcards and case counts. The entries come in
-/// the order of the file system, "." and ".." and names that begin with a dot among them. Gives
-/// INVALID_HANDLE_VALUE when nothing matches. Of the record, the name, the size and the directory flag are filled;
-/// a link counts as what it points at.
+/// Lists "folder/pattern", where `*` and `?` in the last element are wildcards and case counts;
+/// "*.*" stands for every name, as ever. The entries come in the order of the file system, "." and
+/// ".." and names that begin with a dot among them. Gives INVALID_HANDLE_VALUE when nothing
+/// matches. Of the record, the name, the size and the directory flag are filled; a link counts as
+/// what it points at.
 HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA*);
 BOOL FindNextFileA(HANDLE, WIN32_FIND_DATAA*);
 BOOL FindClose(HANDLE);

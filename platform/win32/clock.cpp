@@ -11,8 +11,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A machine that has just started must not look like a clock that has just been updated: the first difference
-// against a counter of zero has to be longer than any frame.
+// A machine that has just started must not look like a clock that has just been updated: the first
+// difference against a counter of zero has to be longer than any frame.
 constexpr std::chrono::nanoseconds HeadStart = std::chrono::seconds(10);
 
 std::optional<std::int64_t> heldCounts;

@@ -21,7 +21,8 @@ public:
     ~DataError() override;
 };
 
-/// Runs `read` and passes its result on. A DataError that leaves it goes on with " in " and `Where()` at its end.
+/// Runs `read` and passes its result on. A DataError that leaves it goes on with " in " and
+/// `Where()` at its end.
 template <typename Read, typename Where>
 decltype(auto) ReadingIn(Where&& where, Read&& read) {
     try {

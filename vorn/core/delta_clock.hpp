@@ -19,11 +19,11 @@ public:
     /// Once a frame: measures the time since the last call. The first one measures since long ago.
     void Update();
 
-    /// Time between the last two updates (unit: seconds). 0 when they lie more than 2 seconds apart: after a stop at
-    /// a breakpoint, or at the start, the world does not leap.
+    /// Time between the last two updates (unit: seconds). 0 when they lie more than 2 seconds
+    /// apart: after a stop at a breakpoint, or at the start, the world does not leap.
     double GetDeltaTime() const { return mDeltaTime; }
-    /// One over the measured time, the long ones included (unit: 1 / seconds). Infinite for two updates within one
-    /// count of the clock.
+    /// One over the measured time, the long ones included (unit: 1 / seconds). Infinite for two
+    /// updates within one count of the clock.
     double GetFrameRate() const { return mFrameRate; }
 
     /// Do nothing.

@@ -3,8 +3,8 @@
 
 #include "vorn/core/data_error.hpp"
 
-// JsonCpp marks these two as superseded. They are the ones that give back what they read of a broken text, and the
-// styled form that our files are written in.
+// JsonCpp marks these two as superseded. They are the ones that give back what they read of a
+// broken text, and the styled form that our files are written in.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 #include <json/reader.h>
@@ -12,15 +12,14 @@
 
 #include <clocale>
 #include <cmath>
-#include <cstring>
 #include <locale>
 
 namespace Vorn {
 
 namespace {
 
-// JsonCpp reads numbers through a stream, and a stream takes the global locale: in one with a decimal comma "1.5"
-// would read as 1.
+// JsonCpp reads numbers through a stream, and a stream takes the global locale: in one with a
+// decimal comma "1.5" would read as 1.
 class ClassicLocale {
 public:
     ClassicLocale() {
@@ -43,26 +42,32 @@ private:
     std::string mHostsC;
 };
 
+[[noreturn]] void RaiseWrongType(const char* type, std::string_view key) {
+    throw DataError(std::string("Type is not convertible to ").append(type) + ": \"" +
+                    std::string(key) + '"');
+}
+
+void CheckIsObject(const Json::Value& object, std::string_view key) {
+    if (!object.isObject() && !object.isNull())
+        throw DataError("Type is not convertible to object: it should hold \"" + std::string(key) +
+                        '"');
+}
+
 // Null when the key is absent. A member that is there and null is a value like any other.
-const Json::Value* Find(const Json::Value& object, const char* key) {
-    if (object.isObject())
-        return object.find(key, key + std::strlen(key));
-    if (object.isNull())
-        return nullptr;
-    throw DataError(std::string("Type is not convertible to object: it should hold \"") + key +
-                    '"');
+const Json::Value* Find(const Json::Value& object, std::string_view key) {
+    CheckIsObject(object, key);
+    return object.isNull() ? nullptr : object.find(key.data(), key.data() + key.size());
 }
 
 template <typename T, typename Convert>
-T Read(const Json::Value& object, const char* key, const T& fallback, const char* type,
+T Read(const Json::Value* value, std::string_view key, const T& fallback, const char* type,
        Convert convert) {
-    const Json::Value* value = Find(object, key);
     if (!value)
         return fallback;
     try {
         return convert(*value);
     } catch (const Json::Exception&) {
-        throw DataError(std::string("Type is not convertible to ") + type + ": \"" + key + '"');
+        RaiseWrongType(type, key);
     }
 }
 
@@ -88,42 +93,73 @@ std::string WriteJson(const Json::Value& value) {
 
 #pragma GCC diagnostic pop
 
-const Json::Value& JsonMember(const Json::Value& object, const char* key) {
+void FindJsonMembers(const Json::Value& object, const std::string_view* keys, std::size_t count,
+                     const Json::Value** found) {
+    CheckIsObject(object, keys[0]);
+    const auto last = object.end();
+    for (auto member = object.begin(); member != last; ++member) {
+        const char* end = nullptr;
+        const char* begin = member.memberName(&end);
+        const std::string_view name(begin, static_cast<std::size_t>(end - begin));
+        for (std::size_t i = 0; i < count; ++i) {
+            if (name == keys[i]) {
+                found[i] = &*member;
+                break;
+            }
+        }
+    }
+}
+
+const Json::Value& JsonMember(const Json::Value& object, std::string_view key) {
     const Json::Value* value = Find(object, key);
     return value ? *value : Json::Value::nullSingleton();
 }
 
-const Json::Value& JsonObject(const Json::Value& object, const char* key) {
-    const Json::Value& value = JsonMember(object, key);
-    if (!value.isNull() && !value.isObject())
-        throw DataError(std::string("Type is not convertible to object: \"") + key + '"');
-    return value;
+const Json::Value& JsonObject(const Json::Value* value, std::string_view key) {
+    if (!value)
+        return Json::Value::nullSingleton();
+    if (!value->isNull() && !value->isObject())
+        RaiseWrongType("object", key);
+    return *value;
 }
 
-std::string JsonString(const Json::Value& object, const char* key, const std::string& fallback) {
-    return Read<std::string>(object, key, fallback, "string",
-                             [](const Json::Value& value) { return value.asString(); });
+const Json::Value& JsonObject(const Json::Value& object, std::string_view key) {
+    return JsonObject(Find(object, key), key);
 }
 
-bool JsonBool(const Json::Value& object, const char* key, bool fallback) {
-    return Read<bool>(object, key, fallback, "bool",
-                      [](const Json::Value& value) { return value.asBool(); });
+std::string JsonString(const Json::Value* value, std::string_view key,
+                       const std::string& fallback) {
+    return Read<std::string>(value, key, fallback, "string",
+                             [](const Json::Value& v) { return v.asString(); });
 }
 
-int JsonInt(const Json::Value& object, const char* key, int fallback) {
-    return Read<int>(object, key, fallback, "int",
-                     [](const Json::Value& value) { return value.asInt(); });
+std::string JsonString(const Json::Value& object, std::string_view key,
+                       const std::string& fallback) {
+    return JsonString(Find(object, key), key, fallback);
 }
 
-unsigned int JsonUInt(const Json::Value& object, const char* key, unsigned int fallback) {
-    return Read<unsigned int>(object, key, fallback, "unsigned int",
-                              [](const Json::Value& value) { return value.asUInt(); });
+bool JsonBool(const Json::Value& object, std::string_view key, bool fallback) {
+    return Read<bool>(Find(object, key), key, fallback, "bool",
+                      [](const Json::Value& v) { return v.asBool(); });
 }
 
-float JsonFloat(const Json::Value& object, const char* key, float fallback) {
-    return Read<float>(object, key, fallback, "double", [](const Json::Value& value) {
-        return static_cast<float>(value.asDouble());
-    });
+int JsonInt(const Json::Value& object, std::string_view key, int fallback) {
+    return Read<int>(Find(object, key), key, fallback, "int",
+                     [](const Json::Value& v) { return v.asInt(); });
+}
+
+unsigned int JsonUInt(const Json::Value& object, std::string_view key, unsigned int fallback) {
+    return Read<unsigned int>(Find(object, key), key, fallback, "unsigned int",
+                              [](const Json::Value& v) { return v.asUInt(); });
+}
+
+float JsonFloat(const Json::Value* value, std::string_view key, float fallback) {
+    return Read<float>(value, key, fallback, "double",
+                       [](const Json::Value& v) { return static_cast<float>(v.asDouble()); });
+}
+
+float JsonFloat(const Json::Value& object, std::string_view key, float fallback) {
+    return JsonFloat(Find(object, key), key, fallback);
 }
 
 Json::Value JsonReal(float number) {

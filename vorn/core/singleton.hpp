@@ -8,9 +8,10 @@
 
 namespace Vorn {
 
-/// Base of T, which derives from Singleton<T>. There is no lazy creation and no destruction on request; copying and
-/// assigning it do nothing. The library's own instances are defined in one source, in the order in which they must
-/// come up; that of a host's class is defined here, in whichever order the linker gives.
+/// Base of T, which derives from Singleton<T>. There is no lazy creation and no destruction on
+/// request; copying and assigning it do nothing. The library's own instances are defined in one
+/// source, in the order in which they must come up; that of a host's class is defined here, in
+/// whichever order the linker gives.
 template <typename T>
 class Singleton {
 public:

@@ -19,8 +19,9 @@ public:
 
     /// Starts with nothing left if `expired`, else with `duration` left.
     void Init(double duration, bool expired);
-    /// Takes `dt` off and tells whether the time is over: what is left is below 0, exactly 0 is not over. With
-    /// `restart` the next period is a whole one from now, the overshoot is dropped; without it the timer stays over.
+    /// Takes `dt` off and tells whether the time is over: what is left is below 0, exactly 0 is not
+    /// over. With `restart` the next period is a whole one from now, the overshoot is dropped;
+    /// without it the timer stays over.
     bool Update(double dt, bool restart);
     /// The whole duration is left again.
     void Reset() { mRemaining = mDuration; }

@@ -27,8 +27,8 @@ float Random(float low, float high) {
     const int step = std::rand() % 10000;
     // The step is the float nearest to 0.0001, not the double.
     const float t = static_cast<float>(step * 9.999999747378752e-05);
-    const double from = low;
-    const double to = high;
+    const double from = static_cast<double>(low);
+    const double to = static_cast<double>(high);
     return static_cast<float>(from + (to - from) * static_cast<double>(t));
 }
 

@@ -8,7 +8,8 @@ namespace {
 template <typename Operation>
 Vorn3DColorSigned& Combine(Vorn3DColorSigned& c, const Vorn3DColorSigned& with,
                            Operation operation) {
-    // 64 bits hold every sum, difference, product and quotient of two channels; what is kept wraps at 32.
+    // 64 bits hold every sum, difference, product and quotient of two channels; what is kept wraps
+    // at 32.
     const auto channel = [&](std::int64_t x, std::int64_t y) {
         return static_cast<std::int32_t>(operation(x, y));
     };

@@ -6,9 +6,10 @@
 //   glow *= 0.5f;
 //   const unsigned long packed = glow;      // 0x7F7F4000
 //
-// Nothing clamps a channel. Packing adds and does not mask, so a channel outside 0 to 255 spills into its neighbour:
-// bring a colour into range before it is packed. Integer arithmetic wraps at 32 bits. A product or quotient with a
-// floating-point number is truncated towards zero; beyond the range of an int it stays at its end, and a NaN gives 0.
+// Nothing clamps a channel. Packing adds and does not mask, so a channel outside 0 to 255 spills
+// into its neighbour: bring a colour into range before it is packed. Integer arithmetic wraps at 32
+// bits. A product or quotient with a floating-point number is truncated towards zero; beyond the
+// range of an int it stays at its end, and a NaN gives 0.
 #pragma once
 
 #include "vorn/core/api.hpp"

@@ -43,8 +43,8 @@ Matrix4 Matrix4::Inversed() const {
     const float s0 = column3(0).Length();
     const float s1 = column3(1).Length();
     const float s2 = column3(2).Length();
-    const Matrix4 rotation(m[0] / s0, m[1] / s1, m[2] / s2, 0, //
-                           m[4] / s0, m[5] / s1, m[6] / s2, 0, //
+    const Matrix4 rotation(m[0] / s0, m[1] / s1, m[2] / s2, 0,  //
+                           m[4] / s0, m[5] / s1, m[6] / s2, 0,  //
                            m[8] / s0, m[9] / s1, m[10] / s2, 0, //
                            0, 0, 0, 1);
     return Scaling(1 / s0, 1 / s1, 1 / s2) * rotation.Transposed() *
@@ -81,10 +81,22 @@ Matrix4 Matrix4::RotationEuler(float x, float y, float z) {
     const float cx = std::cos(x), sx = std::sin(x);
     const float cy = std::cos(y), sy = std::sin(y);
     const float cz = std::cos(z), sz = std::sin(z);
-    return {cz * cy, cz * sy * sx - sz * cx, cz * sy * cx + sz * sx, 0, //
-            sz * cy, sz * sy * sx + cz * cx, sz * sy * cx - cz * sx, 0, //
-            -sy,     cy * sx,                cy * cx,                0, //
-            0,       0,                      0,                      1};
+    return {cz * cy,
+            cz * sy * sx - sz * cx,
+            cz * sy * cx + sz * sx,
+            0, //
+            sz * cy,
+            sz * sy * sx + cz * cx,
+            sz * sy * cx - cz * sx,
+            0, //
+            -sy,
+            cy * sx,
+            cy * cx,
+            0, //
+            0,
+            0,
+            0,
+            1};
 }
 
 Matrix4 Matrix4::RotationAxisAlignZ(const Vector3& axis) {
@@ -115,10 +127,22 @@ Matrix4 Matrix4::RotationAxisAngle(const Vector3& axis, float angle) {
     const float c = std::cos(angle);
     const float s = std::sin(angle);
     const float t = 1 - c;
-    return {x * x + (1 - x * x) * c, x * y * t - z * s, x * z * t + y * s, 0, //
-            x * y * t + z * s, y * y + (1 - y * y) * c, y * z * t - x * s, 0, //
-            x * z * t - y * s, y * z * t + x * s, z * z + (1 - z * z) * c, 0, //
-            0, 0, 0, 1};
+    return {x * x + (1 - x * x) * c,
+            x * y * t - z * s,
+            x * z * t + y * s,
+            0, //
+            x * y * t + z * s,
+            y * y + (1 - y * y) * c,
+            y * z * t - x * s,
+            0, //
+            x * z * t - y * s,
+            y * z * t + x * s,
+            z * z + (1 - z * z) * c,
+            0, //
+            0,
+            0,
+            0,
+            1};
 }
 
 Matrix4 Matrix4::LookAt(const Vector3& eye, const Vector3& at, const Vector3& up) {
@@ -134,8 +158,7 @@ Matrix4 Matrix4::Projection(float fov, float aspect, float nearZ, float farZ) {
 
 Matrix4 Matrix4::orthogonal(float width, float height, float nearZ, float farZ) {
     D3DXMATRIX projection;
-    return FromDirect3D(
-        *D3DXMatrixOrthoOffCenterLH(&projection, 0, width, height, 0, nearZ, farZ));
+    return FromDirect3D(*D3DXMatrixOrthoOffCenterLH(&projection, 0, width, height, 0, nearZ, farZ));
 }
 
 Matrix4 operator*(Matrix4 left, const Matrix4& right) {

@@ -2,11 +2,12 @@
 //
 // A 4x4 matrix, stored row by row, that multiplies column vectors.
 //
-//   const Vorn::Matrix4 world = Vorn::Matrix4::Translation(position) * Vorn::Matrix4::RotationEuler(0, yaw, 0);
-//   const Vorn::Vector3 corner = world * Vorn::Vector3(1, 1, 1);
+//   const Vorn::Matrix4 world = Vorn::Matrix4::Translation(position) *
+//   Vorn::Matrix4::RotationEuler(0, yaw, 0); const Vorn::Vector3 corner = world * Vorn::Vector3(1,
+//   1, 1);
 //
-// In A * B the factor B acts first; the translation stands in the fourth column. Direct3D multiplies row vectors, so
-// a matrix is transposed on its way to D3DXMATRIX. Angles are radians.
+// In A * B the factor B acts first; the translation stands in the fourth column. Direct3D
+// multiplies row vectors, so a matrix is transposed on its way to D3DXMATRIX. Angles are radians.
 #pragma once
 
 #include "vorn/core/api.hpp"
@@ -39,8 +40,8 @@ public:
     void SetIdentity() { *this = Identity; }
     void Transpose() { *this = Transposed(); }
     Matrix4 Transposed() const;
-    /// Of a translation, a rotation and a scale along the axes, multiplied in this order; no general inverse. Row 3
-    /// is ignored. A column of length 0 gives infinities and NaNs.
+    /// Of a translation, a rotation and a scale along the axes, multiplied in this order; no
+    /// general inverse. Row 3 is ignored. A column of length 0 gives infinities and NaNs.
     void Inverse() { *this = Inversed(); }
     Matrix4 Inversed() const;
     /// Adds to the fourth column; the matrix's own rotation does not turn the offset.
@@ -76,16 +77,19 @@ public:
     /// About X first, then about Y, then about Z.
     static Matrix4 RotationEuler(float x, float y, float z);
     static Matrix4 RotationEuler(const Vector3& v) { return RotationEuler(v.x, v.y, v.z); }
-    /// Carries `axis` onto +Z. An axis along -Y, or along +Y and not of length 1, leaves rows 0 and 1 zero.
+    /// Carries `axis` onto +Z. An axis along -Y, or along +Y and not of length 1, leaves rows 0 and
+    /// 1 zero.
     static Matrix4 RotationAxisAlignZ(const Vector3& axis);
-    /// An axis shorter than 0.00001 is not normalised: a zero axis gives cos(angle) on the diagonal.
+    /// An axis shorter than 0.00001 is not normalised: a zero axis gives cos(angle) on the
+    /// diagonal.
     static Matrix4 RotationAxisAngle(const Vector3& axis, float angle);
 
     /// The left-handed view of D3DXMatrixLookAtLH.
     static Matrix4 LookAt(const Vector3& eye, const Vector3& at, const Vector3& up);
     /// The left-handed projection of D3DXMatrixPerspectiveFovLH; `fov` is the vertical one.
     static Matrix4 Projection(float fov, float aspect, float nearZ, float farZ);
-    /// The screen from (0, 0) at the top left to (width, height) at the bottom right, by D3DXMatrixOrthoOffCenterLH.
+    /// The screen from (0, 0) at the top left to (width, height) at the bottom right, by
+    /// D3DXMatrixOrthoOffCenterLH.
     static Matrix4 orthogonal(float width, float height, float nearZ, float farZ);
 
 private:

@@ -5,8 +5,9 @@
 //   Vorn::Quaternion turn(Vorn::Vector3(0, 1, 0), angle);
 //   const Vorn::Matrix4 rotation = turn.QuatToMatrix();
 //
-// The member operators +, -, * and / change their left operand, each being its compound twin; only the free product
-// of two quaternions makes a new one. The default is (0, 0, 0, 0), which is no rotation at all.
+// The member operators +, -, * and / change their left operand, each being its compound twin; only
+// the free product of two quaternions makes a new one. The default is (0, 0, 0, 0), which is no
+// rotation at all.
 #pragma once
 
 #include "vorn/core/api.hpp"

@@ -74,8 +74,8 @@ public:
     }
     /// (unit: radians), 0 to pi. A NaN where rounding takes the cosine beyond 1.
     float AngleBetween(const Vector3& v) const;
-    /// Turns this vector towards `target` by exactly `angle` (unit: radians), also past it. A vector parallel to
-    /// its target has no axis to turn about and is scaled by the cosine.
+    /// Turns this vector towards `target` by exactly `angle` (unit: radians), also past it. A
+    /// vector parallel to its target has no axis to turn about and is scaled by the cosine.
     void RotateTo(const Vector3& target, float angle);
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Four floats, of which `w` tells a point (other than 0) from a direction (0); addition and subtraction follow it.
+// Four floats, of which `w` tells a point (other than 0) from a direction (0); addition and
+// subtraction follow it.
 #pragma once
 
 #include "vorn/core/api.hpp"

@@ -11,8 +11,8 @@
 namespace Vorn {
 
 /// Gives an entity a body.
-/// So far it is created, registered and freed with its entity, and has no data of its own: it reads and writes
-/// nothing.
+/// So far it is created, registered and freed with its entity, and has no data of its own: it reads
+/// and writes nothing.
 class VORN_API PhysicsCmpt : public BaseCmpt {
 public:
     using BaseCmpt::BaseCmpt;

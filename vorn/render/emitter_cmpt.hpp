@@ -11,8 +11,8 @@
 namespace Vorn {
 
 /// Makes an entity give off particles.
-/// So far it is created, registered and freed with its entity, and has no data of its own: it reads and writes
-/// nothing.
+/// So far it is created, registered and freed with its entity, and has no data of its own: it reads
+/// and writes nothing.
 class VORN_API EmitterCmpt : public BaseCmpt {
 public:
     using BaseCmpt::BaseCmpt;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the three kinds of component have in common. An entity creates and deletes its components; they keep a
-// pointer to it for as long as they live.
+// What the three kinds of component have in common. An entity creates and deletes its components;
+// they keep a pointer to it for as long as they live.
 #pragma once
 
 #include "vorn/core/api.hpp"
@@ -10,6 +10,7 @@
 
 #include <json/value.h>
 
+#include <type_traits>
 #include <utility>
 
 namespace Vorn {
@@ -24,7 +25,8 @@ public:
     BaseCmpt& operator=(const BaseCmpt&) { return *this; }
     virtual ~BaseCmpt() = default;
 
-    /// Reads the component's object by the read rule of MasterFlags; raises DataError for a value of the wrong type.
+    /// Reads the component's object by the read rule of MasterFlags; raises DataError for a value
+    /// of the wrong type.
     virtual void DeserializeValue(const Json::Value& value, bool master) = 0;
     /// Writes it by the write rule; leaves `out` null if it has nothing to write.
     virtual void SerializeValue(Json::Value& out, bool master) const = 0;
@@ -38,7 +40,7 @@ public:
 
 protected:
     template <typename T>
-    void dsParam(T& field, T value, bool master) {
+    void dsParam(T& field, std::type_identity_t<T> value, bool master) {
         mMasterFlags.Read(field, std::move(value), master);
     }
     template <typename T>

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// The list of components of a system: in order of registration, with entries that may repeat. Entering and erasing
-// take the same short time however long the list is, and allocate nothing once the list has been that long before.
+// The list of components of a system: in order of registration, with entries that may repeat.
+// Entering and erasing take the same short time however long the list is, and allocate nothing once
+// the list has been that long before.
 //
-// A component of class C has a member `Registration<C> mRegistration`, which remembers where it stands and takes the
-// component out of its list when it dies: a list never holds what is gone.
+// A component of class C has a member `Registration<C> mRegistration`, which remembers where it
+// stands and takes the component out of its list when it dies: a list never holds what is gone.
 #pragma once
 
 #include <algorithm>

@@ -28,6 +28,10 @@ EmitterSystem& SystemOf(const EmitterCmpt&) {
     return *EmitterSystem::Instance();
 }
 
+std::string Quoted(std::string_view key) {
+    return '"' + std::string(key) + '"';
+}
+
 } // namespace
 
 template <typename C>
@@ -43,13 +47,13 @@ C& Entity::CmptSlot<C>::Ensure(Entity* parent) {
 
 template <typename C>
 void Entity::CmptSlot<C>::Register() {
-    if (cmpt)
+    if (owned)
         SystemOf(*cmpt).Register(cmpt);
 }
 
 template <typename C>
 void Entity::CmptSlot<C>::Unregister() {
-    if (cmpt)
+    if (owned)
         SystemOf(*cmpt).Unregister(cmpt);
 }
 
@@ -70,6 +74,12 @@ void Entity::CmptSlot<C>::Share(const CmptSlot& source) {
 }
 
 template <typename C>
+void Entity::CmptSlot<C>::DropShared() {
+    if (!owned)
+        cmpt = nullptr;
+}
+
+template <typename C>
 void Entity::CmptSlot<C>::CopyFrom(const CmptSlot& source, Entity* parent) {
     if (source.cmpt)
         Ensure(parent) = *source.cmpt;
@@ -84,11 +94,11 @@ void Entity::CmptSlot<C>::ConformTo(const CmptSlot& source, Entity* parent) {
 }
 
 template <typename C>
-void Entity::CmptSlot<C>::Deserialize(const Json::Value& root, const char* key, Entity* parent,
-                                      bool master) {
-    const Json::Value& value = JsonObject(root, key);
+void Entity::CmptSlot<C>::Deserialize(const Json::Value* member, std::string_view key,
+                                      Entity* parent, bool master) {
+    const Json::Value& value = JsonObject(member, key);
     if (!value.isNull())
-        ReadingIn([key] { return '"' + std::string(key) + '"'; },
+        ReadingIn([key] { return Quoted(key); },
                   [&] { Ensure(parent).DeserializeValue(value, master); });
     else if (master)
         Clear();
@@ -110,8 +120,7 @@ void Entity::CmptSlot<C>::MarkAll() {
 
 Entity::Entity() = default;
 
-Entity::Entity(const Entity& entity)
-    : mScale(entity.mScale), mScene(entity.mScene), mVariant() {
+Entity::Entity(const Entity& entity) : mScale(entity.mScale), mScene(entity.mScene), mVariant() {
     mGraphics.CopyFrom(entity.mGraphics, this);
     mPhysics.CopyFrom(entity.mPhysics, this);
     mEmitter.CopyFrom(entity.mEmitter, this);
@@ -146,28 +155,34 @@ Entity::~Entity() {
 }
 
 void Entity::DeserializeValue(const Json::Value& root, bool master) {
-    dsParam(mType, JsonString(root, "Type", mType), master);
-    dsParam(mVariant, JsonString(root, "Variant", mVariant), master);
-    dsParam(mName, JsonString(root, "Name", mName), master);
+    static constexpr JsonKeys<9> keys{"Type",         "Variant",     "Name",
+                                      "Position",     "Orientation", "Scale",
+                                      "GraphicsCmpt", "PhysicsCmpt", "EmitterCmpt"};
+    const auto members = JsonMembers(root, keys);
+    dsParam(mType, JsonString(members[0], keys[0], mType), master);
+    dsParam(mVariant, JsonString(members[1], keys[1], mVariant), master);
+    dsParam(mName, JsonString(members[2], keys[2], mName), master);
 
-    const auto readVector3 = [&](const char* key, Vector3& field) {
-        const Json::Value& value = JsonObject(root, key);
-        if (!value.isNull())
-            ReadingIn([key] { return '"' + std::string(key) + '"'; }, [&] {
-                dsParamVector3(field, value, master);
-                // A new direction starts without the spin of the old one.
-                if (&field == &mOrientation)
-                    dsParam(mAngle, JsonFloat(value, "Angle", 0.0f), master);
-            });
+    const auto readVector3 = [&](std::size_t key, Vector3& field) {
+        const Json::Value& value = JsonObject(members[key], keys[key]);
+        if (value.isNull())
+            return;
+        ReadingIn([&] { return Quoted(keys[key]); },
+                  [&] {
+                      dsParamVector3(field, value, master);
+                      // A new direction starts without the spin of the old one.
+                      if (&field == &mOrientation)
+                          dsParam(mAngle, JsonFloat(value, "Angle", 0.0f), master);
+                  });
     };
-    readVector3("Position", mPosition);
+    readVector3(3, mPosition);
     mLocalPosition = mPosition;
-    readVector3("Orientation", mOrientation);
-    readVector3("Scale", mScale);
+    readVector3(4, mOrientation);
+    readVector3(5, mScale);
 
-    mGraphics.Deserialize(root, "GraphicsCmpt", this, master);
-    mPhysics.Deserialize(root, "PhysicsCmpt", this, master);
-    mEmitter.Deserialize(root, "EmitterCmpt", this, master);
+    mGraphics.Deserialize(members[6], keys[6], this, master);
+    mPhysics.Deserialize(members[7], keys[7], this, master);
+    mEmitter.Deserialize(members[8], keys[8], this, master);
 }
 
 void Entity::SerializeValue(Json::Value& out, bool master) const {
@@ -232,6 +247,9 @@ void Entity::Serialize(std::string& out, bool master) const {
 }
 
 void Entity::TakeOver(const Entity& source) {
+    mGraphics.DropShared();
+    mPhysics.DropShared();
+    mEmitter.DropShared();
     Conform(&source);
     mName = source.mName;
     mLocalPosition = mPosition;

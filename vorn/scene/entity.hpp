@@ -3,17 +3,19 @@
 // One object of a game: a transform, an identity and up to three components.
 //
 //   class Sheep : public Vorn::Entity {
-//       void Update(float dt) override { LocalPosition(LocalPosition() + mVelocity * dt); Entity::Update(dt); }
+//       void Update(float dt) override { LocalPosition(LocalPosition() + mVelocity * dt);
+//       Entity::Update(dt); }
 //   };
 //   static Vorn::EntityPool<Sheep> pool;
 //   Vorn::EntityFactory::Instance()->Register("sheep", &pool);
 //
-// Data is layered: a type's template (the master) is read from an entity file, a variant file and an object of a
-// scene file override it parameter by parameter. The last argument of all reading and writing, `master`, says which
-// of the two is meant; MasterFlags tells the rules. docs/entity_file.md describes the object.
+// Data is layered: a type's template (the master) is read from an entity file, a variant file and
+// an object of a scene file override it parameter by parameter. The last argument of all reading
+// and writing, `master`, says which of the two is meant; MasterFlags tells the rules.
+// docs/entity_file.md describes the object.
 //
-// An entity owns its components; pools own entities, scenes only hold them. Pointers to an entity that went back to
-// its pool stay valid, but the pool may hand the entity out again as another.
+// An entity owns its components; pools own entities, scenes only hold them. Pointers to an entity
+// that went back to its pool stay valid, but the pool may hand the entity out again as another.
 #pragma once
 
 #include "vorn/core/api.hpp"
@@ -28,6 +30,8 @@
 
 #include <list>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace Vorn {
@@ -35,45 +39,51 @@ namespace Vorn {
 class VORN_API Entity {
 public:
     Entity();
-    /// Takes over scene, scale and components (new ones, with the source's data) and nothing else; all else starts
-    /// empty, the variant too. `Conform` supplies the rest.
+    /// Takes over scene, scale and components (new ones, with the source's data) and nothing else;
+    /// all else starts empty, the variant too. `Conform` supplies the rest.
     Entity(const Entity& entity);
-    /// Takes over every field but the flags, which mean nothing in a copy. The components are shared: the source goes
-    /// on owning them, and this entity may not use them once the source is gone.
+    /// Takes over every field but the flags, which mean nothing in a copy. The components are
+    /// shared: the source goes on owning them, and this entity may not use them once the source is
+    /// gone.
     Entity& operator=(const Entity& entity);
     virtual ~Entity();
 
-    /// Reads an entity object. A master defines which components exist: one that it leaves out is deleted. Without
-    /// `master` a component can be added, never taken away.
-    /// Raises DataError for a value of the wrong type; what was read before it stays changed.
+    /// Reads an entity object. A master defines which components exist: one that it leaves out is
+    /// deleted. Without `master` a component can be added, never taken away. Raises DataError for a
+    /// value of the wrong type; what was read before it stays changed.
     virtual void DeserializeValue(const Json::Value& root, bool master);
-    /// Writes an entity object: all of it with `master`, the differences from the template without. "Variant" and
-    /// "Angle" are not written; a component that writes nothing stands as null.
-    /// Raises std::out_of_range without `master` for a parameter that no file named, see MasterFlags.
+    /// Writes an entity object: all of it with `master`, the differences from the template without.
+    /// "Variant" and "Angle" are not written; a component that writes nothing stands as null.
+    /// Raises std::out_of_range without `master` for a parameter that no file named, see
+    /// MasterFlags.
     virtual void SerializeValue(Json::Value& out, bool master) const;
-    /// Enters each component in the list of its system, in the order graphics, physics, emitter. So is each one that
-    /// the entity gets from then on, until UnregisterCmpts.
+    /// Enters each component in the list of its system, in the order graphics, physics, emitter. So
+    /// is each one that the entity gets from then on, until UnregisterCmpts.
     virtual void RegisterCmpts();
     virtual void UnregisterCmpts();
-    /// When the entity enters a scene, and again when it leaves it (Scene::deinitEntity). Does nothing here.
+    /// When the entity enters a scene, and again when it leaves it (Scene::deinitEntity). Does
+    /// nothing here.
     virtual void Init();
-    /// Once a frame: brings the position after that of the parent. `dt` (unit: seconds) is for derived classes.
+    /// Once a frame: brings the position after that of the parent. `dt` (unit: seconds) is for
+    /// derived classes.
     virtual void Update(float dt);
     /// When the scene ends: the parent becomes null.
     virtual void Deinit();
-    /// Makes this entity like `source`, for reuse from a pool: type, variant, transform and components. Name, local
-    /// position, parent, scene, life and flags stay; TakeOver brings those too.
+    /// Makes this entity like `source`, for reuse from a pool: type, variant, transform and
+    /// components. Name, local position, parent, scene, life and flags stay; TakeOver brings those
+    /// too.
     virtual void Conform(const Entity* source);
 
     void Deserialize(const std::string& text, bool master);
     void Serialize(std::string& out, bool master) const;
 
-    /// What a pool hands out: `Conform`, then the template's name, its position as local position too, no parent, no
-    /// scene, and every parameter of entity and components marked as the template's.
+    /// What a pool hands out: `Conform` with components of its own, then the template's name, its
+    /// position as local position too, no parent, no scene, and every parameter of entity and
+    /// components marked as the template's.
     void TakeOver(const Entity& source);
 
-    /// Physics and ray casts pass over an entity that is not alive; the pool sets life. A scene updates it all the
-    /// same.
+    /// Physics and ray casts pass over an entity that is not alive; the pool sets life. A scene
+    /// updates it all the same.
     bool IsAlive() const { return mAlive; }
     void Alive(bool alive) { mAlive = alive; }
 
@@ -104,9 +114,10 @@ public:
     float Angle() const { return mAngle; }
     void Angle(float angle) { mAngle = angle; }
 
-    /// The parent passes on its position, no rotation and no scale. Setting it recomputes nothing: at the next
-    /// update the entity stands at the parent's position plus its own local one. Not owned; a parent that goes back
-    /// to its pool must be taken off its children. A child that updates before its parent lags by a frame.
+    /// The parent passes on its position, no rotation and no scale. Setting it recomputes nothing:
+    /// at the next update the entity stands at the parent's position plus its own local one. Not
+    /// owned; a parent that goes back to its pool must be taken off its children. A child that
+    /// updates before its parent lags by a frame.
     Entity* Parent() const { return mParent; }
     void Parent(Entity* parent) { mParent = parent; }
 
@@ -123,7 +134,7 @@ protected:
     void updateLocalPosition();
 
     template <typename T>
-    void dsParam(T& field, T value, bool master) {
+    void dsParam(T& field, std::type_identity_t<T> value, bool master) {
         mMasterFlags.Read(field, std::move(value), master);
     }
     template <typename T>
@@ -143,8 +154,8 @@ protected:
 private:
     friend class Vorn::Scene; // keeps mScene and mPlace
 
-    /// Where scenes list the entity, so that one leaves its scene without a search. Known while a single scene lists
-    /// it a single time; bound to the object, like the flags.
+    /// Where scenes list the entity, so that one leaves its scene without a search. Known while a
+    /// single scene lists it a single time; bound to the object, like the flags.
     struct Place {
         static constexpr unsigned int Unknown = ~0u;
         const Vorn::Scene* scene = nullptr;
@@ -168,9 +179,11 @@ private:
         void Register();
         void Unregister();
         void Share(const CmptSlot& source);
+        void DropShared();
         void CopyFrom(const CmptSlot& source, Entity* parent);
         void ConformTo(const CmptSlot& source, Entity* parent);
-        void Deserialize(const Json::Value& root, const char* key, Entity* parent, bool master);
+        void Deserialize(const Json::Value* member, std::string_view key, Entity* parent,
+                         bool master);
         void Serialize(Json::Value& out, const char* key, bool master) const;
         void MarkAll();
     };

@@ -8,11 +8,13 @@
 //   Vorn::Entity* sheep = factory->FetchEntity("sheep", "master");
 //   factory->ReturnEntity(sheep);
 //
-// A key is the name of a type or of a variant, whose name is an alias for its type's pool; both share one key space,
-// and a variant named like a type takes that key over. The factory does not own the pools.
+// A key is the name of a type or of a variant, whose name is an alias for its type's pool; both
+// share one key space, and a variant named like a type takes that key over. The factory does not
+// own the pools.
 //
-// Every operation that looks a key up raises std::out_of_range, with the key in its text, when no pool is registered
-// under it. Faults in files raise DataError or what the pool raises; nothing is registered under a new key then.
+// Every operation that looks a key up raises std::out_of_range, with the key in its text, when no
+// pool is registered under it. Faults in files raise DataError or what the pool raises; nothing is
+// registered under a new key then.
 #pragma once
 
 #include "vorn/core/api.hpp"
@@ -30,8 +32,9 @@ public:
     /// A second registration under one key replaces the first.
     void Register(const std::string& type, EntityPoolBase* pool);
 
-    /// Loads the files of a directory: those with the extension "ent" first, in the order of the file system, then
-    /// those with "var". The extension is all that follows the first "." of a name, or the whole name without one.
+    /// Loads the files of a directory: those with the extension "ent" first, in the order of the
+    /// file system, then those with "var". The extension is all that follows the first "." of a
+    /// name, or the whole name without one.
     void LoadEntities(const char* directory);
     void LoadEntity(const char* path);
     void LoadVariant(const char* path);

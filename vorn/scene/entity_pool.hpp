@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
-// The pool that most hosts need: it hands out entities of one class, derived from Entity and default-constructible.
+// The pool that most hosts need: it hands out entities of one class, derived from Entity and
+// default-constructible.
 //
 //   Vorn::EntityPool<Sheep> pool;
 //   Vorn::EntityFactory::Instance()->Register("sheep", &pool);
 //
-// An entity that is out is alive and its components are registered with their systems, those that a scene object adds
-// later too. One that is idle is neither, and waits under the template that it was handed out as: once a template has
-// been fetched as often as the game will have it out at one time, Fetch and Return allocate nothing, unless a scene
-// object gave an entity a component that its template lacks.
+// An entity that is out is alive and its components are registered with their systems, those that a
+// scene object adds later too. One that is idle is neither, and waits under the template that it
+// was handed out as: once a template has been fetched as often as the game will have it out at one
+// time, Fetch and Return allocate nothing, unless a scene object gave an entity a component that
+// its template lacks.
 //
-// The pool owns its entities and templates and frees them when it dies, those that are out too: it lives longer than
-// the scenes that hold them.
+// The pool owns its entities and templates and frees them when it dies, those that are out too: it
+// lives longer than the scenes that hold them.
 #pragma once
 
 #include "vorn/core/data_error.hpp"
@@ -35,7 +37,8 @@ class EntityPool : public EntityPoolBase {
     static_assert(std::is_base_of_v<Entity, T>, "EntityPool<T> pools a class derived from Entity");
 
 public:
-    /// However many entities a file asks for, no more are made ahead; the pool grows when they are out.
+    /// However many entities a file asks for, no more are made ahead; the pool grows when they are
+    /// out.
     static constexpr std::size_t MaxPreallocated = 1u << 18;
 
     EntityPool() = default;
@@ -43,16 +46,17 @@ public:
     EntityPool& operator=(const EntityPool&) = delete;
     ~EntityPool() override;
 
-    /// A second master replaces the first; variants keep what they were loaded with, and entities that are out keep
-    /// their values. If the text raises, nothing has changed.
+    /// A second master replaces the first; variants keep what they were loaded with, and entities
+    /// that are out keep their values. If the text raises, nothing has changed.
     void LoadMaster(const std::string& text, unsigned int poolSize) override;
     /// An idle entity of the template; else one that is idle as master; else a new one.
     Entity* Fetch(const std::string& variant) override;
-    /// An entity that is not out is passed over: two requests of one frame may destroy the same one.
-    /// Raises std::invalid_argument for an entity of another pool.
+    /// An entity that is not out is passed over: two requests of one frame may destroy the same
+    /// one. Raises std::invalid_argument for an entity of another pool.
     void Return(Entity* entity) override;
-    /// The variant's values are laid over the master's. A second variant of a name replaces the first.
-    /// Raises DataError for a variant without a name of its own; if the text raises, nothing has changed.
+    /// The variant's values are laid over the master's. A second variant of a name replaces the
+    /// first. Raises DataError for a variant without a name of its own; if the text raises, nothing
+    /// has changed.
     Entity* LoadVariant(const std::string& text) override;
 
     /// Entities made so far, and how many of them are idle.
@@ -62,7 +66,9 @@ public:
 private:
     struct Template;
 
-    struct Pooled final : T {
+    // What an update touches stands at the start of an entity, and there within one line of the
+    // cache.
+    struct alignas(64) Pooled final : T {
         EntityPool* pool = nullptr;
         Template* home = nullptr; // while out: the template that it was fetched as
         Pooled* next = nullptr;   // while idle: the next one below
@@ -94,9 +100,14 @@ void EntityPool<T>::LoadMaster(const std::string& text, unsigned int poolSize) {
     static_cast<Entity&>(*prototype).Deserialize(text, true);
     const std::size_t ready = std::min<std::size_t>(poolSize, MaxPreallocated);
     Template& master = mTemplates["master"];
-    master.prototype = std::move(prototype);
-    if (ready > mSize)
-        grow(ready - mSize);
+    master.prototype.swap(prototype);
+    try {
+        if (ready > mSize)
+            grow(ready - mSize);
+    } catch (...) {
+        master.prototype.swap(prototype);
+        throw;
+    }
 }
 
 template <typename T>
@@ -177,17 +188,18 @@ void EntityPool<T>::putIdle(Template& to, Pooled* entity) {
 template <typename T>
 void EntityPool<T>::grow(std::size_t count) {
     mChunks.reserve(mChunks.size() + 1);
+    Template& master = mTemplates["master"];
     Pooled* chunk = mChunks.emplace_back(std::make_unique<Pooled[]>(count)).get();
     mSize += count;
-    Template& master = mTemplates["master"];
-    // Entities that are made for the master have its components from the start. The last goes on the stack first, so
-    // that they are handed out, and later walked, in the order of memory.
+    // The last goes on the stack first, so that they are handed out, and later walked, in the order
+    // of memory.
     for (std::size_t i = count; i-- > 0;) {
         chunk[i].pool = this;
-        if (master.prototype)
-            static_cast<Entity&>(chunk[i]).TakeOver(*master.prototype);
         putIdle(master, &chunk[i]);
     }
+    // So the master's components are there before the first of them is fetched.
+    for (std::size_t i = 0; i < count && master.prototype; ++i)
+        static_cast<Entity&>(chunk[i]).TakeOver(*master.prototype);
 }
 
 } // namespace Vorn

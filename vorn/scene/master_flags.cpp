@@ -15,10 +15,12 @@ MasterFlags& MasterFlags::operator=(const MasterFlags& flags) {
 }
 
 void MasterFlags::ReadVector3(Vector3& field, const Json::Value& value, bool master) {
+    static constexpr JsonKeys<3> axes{"X", "Y", "Z"};
+    const auto [x, y, z] = JsonMembers(value, axes);
     Vector3 read;
-    read.x = JsonFloat(value, "X", field.x);
-    read.y = JsonFloat(value, "Y", field.y);
-    read.z = JsonFloat(value, "Z", field.z);
+    read.x = JsonFloat(x, axes[0], field.x);
+    read.y = JsonFloat(y, axes[1], field.y);
+    read.z = JsonFloat(z, axes[2], field.z);
     Read(field, read, master);
 }
 

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <typeinfo>
 #include <utility>
 
 namespace Vorn {
@@ -31,6 +30,18 @@ void ServeRequests(std::vector<Entity*>& requests, Serve serve) {
     }
 }
 
+// Whatever the entity's last words raise, it goes back to its pool.
+template <typename LastWords>
+void ThenReturn(Entity* entity, LastWords lastWords) {
+    try {
+        lastWords();
+    } catch (...) {
+        EntityFactory::Instance()->ReturnEntity(entity);
+        throw;
+    }
+    EntityFactory::Instance()->ReturnEntity(entity);
+}
+
 void InitParts(Entity* entity) {
     if (entity->Physics())
         entity->Physics()->Init();
@@ -41,21 +52,20 @@ void InitParts(Entity* entity) {
 
 } // namespace
 
-Scene::Scene() : mNext(mEntityList.end()) {}
+Scene::Scene() = default;
 
 Scene::~Scene() = default;
 
 void Scene::Deserialize(const std::string& text) {
     Json::Value root = ParseJson(text);
-    if (typeid(*this) != typeid(Scene)) {
-        // A derived class may look at the value after it has called the operation of this one.
+    mParsed = &root;
+    try {
         DeserializeValue(root);
-        return;
+    } catch (...) {
+        mParsed = nullptr;
+        throw;
     }
-    mResourcePack = JsonString(root, "ResourcePack", "");
-    mEntitiesValue = Json::Value();
-    if (!root.isNull())
-        mEntitiesValue.swap(root["Entities"]);
+    mParsed = nullptr;
 }
 
 void Scene::DeserializePath(const std::string& path) {
@@ -81,7 +91,14 @@ void Scene::SerializePath(const std::string& path) const {
 
 void Scene::DeserializeValue(const Json::Value& root) {
     mResourcePack = JsonString(root, "ResourcePack", "");
-    mEntitiesValue = JsonMember(root, "Entities");
+    if (&root != mParsed) {
+        mEntitiesValue = JsonMember(root, "Entities");
+        return;
+    }
+    // The entities of a large scene take longer to copy than to parse.
+    mEntitiesValue = Json::Value();
+    if (root.isMember("Entities"))
+        mEntitiesValue.swap((*mParsed)["Entities"]);
 }
 
 void Scene::SerializeValue(Json::Value& root) const {
@@ -107,21 +124,25 @@ void Scene::Init() {
     if (!mEntitiesValue.isArray())
         throw DataError("Type is not convertible to array: \"Entities\" in " + mPath);
 
+    static constexpr JsonKeys<2> keys{"Type", "Variant"};
     EntityFactory& factory = *EntityFactory::Instance();
+    mEntityMap.reserve(mEntitiesValue.size());
     for (Json::ArrayIndex i = 0; i < mEntitiesValue.size(); ++i) {
         const Json::Value& element = std::as_const(mEntitiesValue)[i];
-        ReadingIn([this, i] { return describe(i); }, [&] {
-            const std::string type = JsonString(element, "Type", "typeless");
-            const std::string variant = JsonString(element, "Variant", "master");
-            Entity* entity = factory.FetchEntity(type, variant);
-            try {
-                entity->DeserializeValue(element, false);
-            } catch (...) {
-                factory.ReturnEntity(entity);
-                throw;
-            }
-            addEntity(entity);
-        });
+        ReadingIn([this, i] { return describe(i); },
+                  [&] {
+                      const auto members = JsonMembers(element, keys);
+                      const std::string type = JsonString(members[0], keys[0], "typeless");
+                      const std::string variant = JsonString(members[1], keys[1], "master");
+                      Entity* entity = factory.FetchEntity(type, variant);
+                      try {
+                          entity->DeserializeValue(element, false);
+                      } catch (...) {
+                          factory.ReturnEntity(entity);
+                          throw;
+                      }
+                      addEntity(entity);
+                  });
     }
     walk([this](Entity* entity) { initEntity(entity); });
 }
@@ -138,24 +159,16 @@ void Scene::Update(float dt) {
 }
 
 void Scene::Deinit() {
-    const auto clear = [this](std::list<Entity*>::iterator end) {
-        mEntityList.erase(mEntityList.begin(), end);
-        mEntityMap.clear();
-        for (Entity* entity : mEntityList)
-            mEntityMap.try_emplace(entity->mName, entity);
-        mNext = mEntityList.end();
-    };
-    try {
-        walk([this](Entity* entity) {
-            entity->Deinit();
-            leave(entity);
-            EntityFactory::Instance()->ReturnEntity(entity);
-        });
-    } catch (...) {
-        clear(mNext);
-        throw;
-    }
-    clear(mEntityList.end());
+    walk([this](Entity* entity) {
+        try {
+            endEntity(entity);
+        } catch (...) {
+            const auto last = mWalk->place;
+            forget(last == mEntityList.end() ? mEntityList.begin() : std::next(last));
+            throw;
+        }
+    });
+    forget(mEntityList.end());
 }
 
 void Scene::Unload() {}
@@ -177,8 +190,7 @@ void Scene::DestroyEntity(Entity* entity, bool immediate) {
         return;
     }
     removeEntity(entity);
-    deinitEntity(entity);
-    EntityFactory::Instance()->ReturnEntity(entity);
+    ThenReturn(entity, [&] { deinitEntity(entity); });
 }
 
 void Scene::AddEntity(Entity* entity, bool immediate) {
@@ -238,32 +250,67 @@ void Scene::removeEntity(Entity* entity) {
                 eraseEntry(here);
         }
     }
-    leave(entity);
+    unlist(entity);
+    entity->mScene = nullptr;
     mEntityMap.erase(entity->mName);
 }
 
-void Scene::leave(Entity* entity) {
+void Scene::endEntity(Entity* entity) {
+    ThenReturn(entity, [this, entity] {
+        unlist(entity);
+        entity->Deinit();
+        if (entity->mScene == this)
+            entity->mScene = nullptr;
+    });
+}
+
+void Scene::unlist(Entity* entity) {
     Entity::Place& place = entity->mPlace;
     if (place.scene == this && place.times != Entity::Place::Unknown)
         place = {};
-    entity->mScene = nullptr;
 }
 
-// Visits the entities in the order of the list, those too that are appended meanwhile. An entity may leave the list,
-// and the list may be emptied, during the visit.
+// Visits the entities in the order of the list, those too that are appended meanwhile. An entity
+// may leave the list, and the list may be emptied, during the visit. The place is kept in a local,
+// and read back only when it has moved: through the record alone each step along the list would
+// wait for the one before it to be stored.
 template <typename Visit>
 void Scene::walk(Visit visit) {
-    mNext = mEntityList.begin();
-    while (mNext != mEntityList.end()) {
-        Entity* entity = *mNext++;
-        visit(entity);
+    struct Entered : Walk {
+        Scene& scene;
+        explicit Entered(Scene& s) : scene(s) { outer = std::exchange(scene.mWalk, this); }
+        Entered(const Entered&) = delete;
+        Entered& operator=(const Entered&) = delete;
+        ~Entered() { scene.mWalk = outer; }
+    } walk(*this);
+
+    auto next = mEntityList.begin();
+    while (next != mEntityList.end()) {
+        walk.place = next;
+        visit(*next);
+        if (walk.moved) {
+            walk.moved = false;
+            next = walk.place == mEntityList.end() ? mEntityList.begin() : std::next(walk.place);
+        } else {
+            ++next;
+        }
     }
 }
 
 void Scene::eraseEntry(std::list<Entity*>::iterator entry) {
-    if (entry == mNext)
-        ++mNext;
+    for (Walk* walk = mWalk; walk; walk = walk->outer)
+        if (walk->place == entry)
+            walk->Move(entry == mEntityList.begin() ? mEntityList.end() : std::prev(entry));
     mEntityList.erase(entry);
+}
+
+void Scene::forget(std::list<Entity*>::iterator end) {
+    mEntityList.erase(mEntityList.begin(), end);
+    for (Walk* walk = mWalk; walk; walk = walk->outer)
+        walk->Move(mEntityList.end());
+    mEntityMap.clear();
+    for (Entity* entity : mEntityList)
+        mEntityMap.try_emplace(entity->mName, entity);
 }
 
 std::string Scene::describe(Json::ArrayIndex element) const {

@@ -3,28 +3,20 @@
 
 #include "vorn/scene/scene.hpp"
 
+#include <utility>
+
 namespace Vorn {
 
 void SceneManager::Update(float dt) {
-    if (mNextScene) {
-        const bool restart = mNextScene == mCurrentScene;
-        if (mCurrentScene) {
-            mCurrentScene->Deinit();
-            if (!restart)
-                mCurrentScene->Unload();
-        }
-        if (!restart)
-            mNextScene->Load();
-        mNextScene->Init();
-        mCurrentScene = mNextScene;
-        mNextScene = nullptr;
-    }
+    if (mNextScene)
+        change();
     if (mCurrentScene)
         mCurrentScene->Update(dt);
 }
 
 void SceneManager::Restart() {
-    mNextScene = mCurrentScene;
+    if (mCurrentScene)
+        mNextScene = mCurrentScene;
 }
 
 void SceneManager::Restart2() {
@@ -39,6 +31,27 @@ void SceneManager::UnloadCurrentScene() {
         return;
     mCurrentScene->Deinit();
     mCurrentScene->Unload();
+}
+
+void SceneManager::change() {
+    // A scene that is set during the change follows with the next update.
+    Scene* next = std::exchange(mNextScene, nullptr);
+    const bool restart = next == mCurrentScene;
+    try {
+        if (mCurrentScene) {
+            mCurrentScene->Deinit();
+            if (!restart)
+                mCurrentScene->Unload();
+        }
+        if (!restart)
+            next->Load();
+        next->Init();
+    } catch (...) {
+        if (!mNextScene)
+            mNextScene = next;
+        throw;
+    }
+    mCurrentScene = next;
 }
 
 } // namespace Vorn

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Holds the running scene and the one that is to follow. A change of scene happens only inside Update, so a scene is
-// never swapped in the middle of a frame.
+// Holds the running scene and the one that is to follow. A change of scene happens only inside
+// Update, so a scene is never swapped in the middle of a frame.
 //
 //   Vorn::SceneManager::Instance()->SetScene(&meadow);
 //   while (running)
@@ -18,19 +18,20 @@ namespace Vorn {
 
 class VORN_API SceneManager : public Singleton<SceneManager> {
 public:
-    /// The scene that the next Update changes to; the last call wins. The current scene itself is restarted.
+    /// The scene that the next Update changes to; the last call wins. The current scene itself is
+    /// restarted.
     void SetScene(Scene* scene) { mNextScene = scene; }
     /// Null before the first change.
     Scene* CurrentScene() const { return mCurrentScene; }
 
-    /// If a change is pending: `Deinit` and `Unload` of the old scene, `Load` and `Init` of the next. A restart skips
-    /// `Unload` and `Load`. Then `Update(dt)` of the current scene, in the same call.
-    /// If one of them raises, the change stays pending; a next scene that raised in Init holds the entities made so
-    /// far until its Deinit is called.
+    /// If a change is pending: `Deinit` and `Unload` of the old scene, `Load` and `Init` of the
+    /// next. A restart skips `Unload` and `Load`. Then `Update(dt)` of the current scene, in the
+    /// same call. If one of them raises, the change stays pending; a next scene that raised in Init
+    /// holds the entities made so far until its Deinit is called.
     void Update(float dt);
 
     /// The three of them do nothing without a current scene.
-    /// Pends a restart of the current scene.
+    /// Pends a restart of the current scene, in place of a change that is pending.
     void Restart();
     /// Pends a restart, and runs `Deinit` and `Unload` at once.
     void Restart2();
@@ -38,6 +39,8 @@ public:
     void UnloadCurrentScene();
 
 private:
+    void change();
+
     Scene* mNextScene = nullptr;
     Scene* mCurrentScene = nullptr;
 };

@@ -1,0 +1,32 @@
+# Shared by the scripts beside it: `source "$(dirname "$0")/common.sh"`. Not a program of its own.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+say() { printf '\033[1m== %s\033[0m\n' "$*"; }
+
+# What the project needs to be built and tested, all of Debian 12.
+build_packages=(g++ cmake ninja-build libjsoncpp-dev libgtest-dev libgmock-dev libbenchmark-dev)
+check_packages=(clang clang-format libclang-rt-14-dev)
+
+# need PACKAGE...: installs those that are not there yet.
+need() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  say "Installing ${missing[*]}"
+  local as_root=()
+  [ "$(id -u)" = 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build PRESET [cmake --build arguments...]
+build() {
+  local preset=$1
+  shift
+  say "Building ($preset)"
+  cmake --preset "$preset" >"/tmp/vorn-configure-$preset.log" || { cat "/tmp/vorn-configure-$preset.log"; exit 1; }
+  cmake --build --preset "$preset" "$@"
+}

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+//
+// A meadow: sheep that wander, lambs that follow a sheep, and nests that let birds out, which fly
+// away and are gone. It runs by its data and a fixed step alone, so every run of it ends in the
+// same state.
+//
+//   Worlds::Meadow meadow;                  // registers its pools and loads worlds/meadow/entity
+//   Vorn::Scene scene;
+//   scene.DeserializePath("worlds/meadow/meadow.scene");
+#pragma once
+
+#include "vorn/vorn.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace Worlds {
+
+/// Walks straight on and turns back at the edge of the meadow. One with a span of life leaves the
+/// scene by itself.
+class Walker : public Vorn::Entity {
+public:
+    /// Half the edge of the meadow (unit: metres).
+    static constexpr float Edge = 100.0f;
+
+    void DeserializeValue(const Json::Value& root, bool master) override;
+    void SerializeValue(Json::Value& out, bool master) const override;
+    void Update(float dt) override;
+    void Conform(const Vorn::Entity* source) override;
+
+    const Vorn::Vector3& Velocity() const { return mVelocity; }
+    void Velocity(const Vorn::Vector3& velocity) { mVelocity = velocity; }
+
+private:
+    Vorn::Vector3 mVelocity; // (unit: metres / second)
+    float mLife = 0.0f;      // (unit: seconds), 0 for ever
+};
+
+/// Keeps its place beside another entity, which it finds by name.
+class Follower : public Vorn::Entity {
+public:
+    void DeserializeValue(const Json::Value& root, bool master) override;
+    void SerializeValue(Json::Value& out, bool master) const override;
+    void Init() override;
+    void Conform(const Vorn::Entity* source) override;
+
+private:
+    std::string mLeader;
+    Vorn::Vector3 mOffset; // from the leader (unit: metres)
+};
+
+/// Lets a walker out at a fixed interval, in a direction that turns from one to the next.
+class Nest : public Vorn::Entity {
+public:
+    void DeserializeValue(const Json::Value& root, bool master) override;
+    void SerializeValue(Json::Value& out, bool master) const override;
+    void Update(float dt) override;
+    void Conform(const Vorn::Entity* source) override;
+
+private:
+    std::string mBrood;      // alias of the variant that it lets out
+    float mInterval = 0.0f;  // (unit: seconds), 0 for never
+    float mCountdown = 0.0f; // (unit: seconds)
+    float mHeading = 0.0f;   // of the next one (unit: radians)
+};
+
+/// The pools of the meadow's entities, registered with the factory for as long as the object lives.
+class Meadow {
+public:
+    /// Raises what EntityFactory::LoadEntities raises. `data` is the folder worlds/meadow.
+    explicit Meadow(const std::string& data = "worlds/meadow");
+    Meadow(const Meadow&) = delete;
+    Meadow& operator=(const Meadow&) = delete;
+    ~Meadow();
+
+    /// How many entities are out of their pools.
+    std::size_t Out() const;
+
+    /// A scene file with so many entities: four sheep to a lamb, a nest to every hundred.
+    static std::string SceneText(unsigned int entities);
+
+private:
+    Vorn::EntityPool<Walker> mWalkers;
+    Vorn::EntityPool<Follower> mFollowers;
+    Vorn::EntityPool<Nest> mNests;
+};
+
+/// The state of a running scene as far as a scene file holds it. The scene's description becomes
+/// that state.
+std::uint64_t StateHash(Vorn::Scene& scene);
+
+} // namespace Worlds
