@@ -21,6 +21,10 @@ if(VORN_SANITIZE)
   target_link_options(vorn_options INTERFACE -fsanitize=${VORN_SANITIZE})
 endif()
 
+if(VORN_FUZZ)
+  target_compile_options(vorn_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # vorn_program(name sources...): a program of ours beside the library: the repository is its include root.
 function(vorn_program name)
   add_executable(${name} ${ARGN})
