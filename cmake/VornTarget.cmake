@@ -11,6 +11,11 @@ target_compile_options(vorn_options INTERFACE
   # Nobody replaces a function of the library from outside, so its own calls may be direct and inlined.
   -fno-semantic-interposition)
 
+# gcc 12 sees overlaps in std::string's own code: https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(vorn_options INTERFACE -Wno-restrict)
+endif()
+
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64" AND VORN_ARCH)
   target_compile_options(vorn_options INTERFACE -march=${VORN_ARCH})
 endif()

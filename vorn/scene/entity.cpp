@@ -39,7 +39,7 @@ C& Entity::CmptSlot<C>::Ensure(Entity* parent) {
     if (!cmpt) {
         cmpt = new C(parent);
         owned = true;
-        if (parent->mRegistered)
+        if (parent->mRegistersNew)
             Register();
     }
     return *cmpt;
@@ -200,14 +200,12 @@ void Entity::RegisterCmpts() {
     mGraphics.Register();
     mPhysics.Register();
     mEmitter.Register();
-    mRegistered = true;
 }
 
 void Entity::UnregisterCmpts() {
     mGraphics.Unregister();
     mPhysics.Unregister();
     mEmitter.Unregister();
-    mRegistered = false;
 }
 
 void Entity::Init() {}

@@ -57,8 +57,7 @@ public:
     /// Raises std::out_of_range without `master` for a parameter that no file named, see
     /// MasterFlags.
     virtual void SerializeValue(Json::Value& out, bool master) const;
-    /// Enters each component in the list of its system, in the order graphics, physics, emitter. So
-    /// is each one that the entity gets from then on, until UnregisterCmpts.
+    /// Enters each component in the list of its system, in the order graphics, physics, emitter.
     virtual void RegisterCmpts();
     virtual void UnregisterCmpts();
     /// When the entity enters a scene, and again when it leaves it (Scene::deinitEntity). Does
@@ -76,6 +75,10 @@ public:
 
     void Deserialize(const std::string& text, bool master);
     void Serialize(std::string& out, bool master) const;
+
+    /// Whether each component that the entity gets from now on, of a scene object for instance, is
+    /// registered at once. A pool that registers what it hands out switches it on.
+    void RegisterNewCmpts(bool enabled) { mRegistersNew = enabled; }
 
     /// What a pool hands out: `Conform` with components of its own, then the template's name, its
     /// position as local position too, no parent, no scene, and every parameter of entity and
@@ -200,7 +203,7 @@ private:
 
     Vorn::Scene* mScene = nullptr;
     Place mPlace;
-    bool mRegistered = false;
+    bool mRegistersNew = false;
     MasterFlags mMasterFlags;
     std::string mType;
     std::string mVariant = "master";

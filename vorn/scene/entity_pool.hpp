@@ -133,6 +133,7 @@ Entity* EntityPool<T>::Fetch(const std::string& variant) {
         putIdle(home, pooled);
         throw;
     }
+    entity.RegisterNewCmpts(true);
     entity.Alive(true);
     pooled->home = &home;
     return &entity;
@@ -146,6 +147,7 @@ void EntityPool<T>::Return(Entity* entity) {
     if (!pooled->home)
         return;
     entity->UnregisterCmpts();
+    entity->RegisterNewCmpts(false);
     entity->Alive(false);
     entity->Parent(nullptr);
     putIdle(*pooled->home, pooled);
