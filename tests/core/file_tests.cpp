@@ -1,180 +1,123 @@
 // SPDX-License-Identifier: MIT
 #include "vorn/core/file.hpp"
 
-#include "temp_folder.hpp"
-
 #include <gtest/gtest.h>
 
-#include <cstdint>
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <set>
 #include <stdexcept>
-#include <string>
-#include <system_error>
-#include <vector>
 
 namespace {
 
-using CoreTests::TempFolder;
+namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
-std::string AllBytes() {
-    std::string bytes = "\r\n\n\x1a";
-    for (int round = 0; round < 300; ++round)
-        for (int byte = 0; byte < 256; ++byte)
-            bytes += static_cast<char>(byte);
-    return bytes + "\r\n";
-}
-
-std::string Read(const std::string& path) {
-    char* data = nullptr;
-    unsigned int size = 0;
-    Vorn::MemoryFromFile(path, data, size);
-    const std::unique_ptr<char[]> owned(data);
-    return std::string(owned.get(), size);
-}
-
-void Save(const std::string& path, const std::string& bytes) {
-    Vorn::SaveToFile(path, bytes.data(), static_cast<unsigned int>(bytes.size()));
-}
-
-void ExpectCannotOpen(const std::string& path) {
-    SCOPED_TRACE(path);
-    char before = 'x';
-    char* data = &before;
-    unsigned int size = 77;
-    try {
-        Vorn::MemoryFromFile(path, data, size);
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()), "cannot open file: " + path);
+/// A fresh folder, `mRoot` with its slash, that is gone with the test.
+class Files : public testing::Test {
+protected:
+    Files() {
+        EXPECT_TRUE(mkdtemp(mRoot.data()));
+        mRoot += '/';
     }
-    EXPECT_EQ(data, &before);
-    EXPECT_EQ(size, 77u);
-    EXPECT_THROW(Vorn::TextFromFile(path), std::runtime_error);
+    ~Files() override { fs::remove_all(mRoot); }
+
+    static void Save(const std::string& path, const std::string& bytes = "text") {
+        Vorn::SaveToFile(path, bytes.data(), static_cast<unsigned int>(bytes.size()));
+    }
+    static std::string Read(const std::string& path) {
+        char* data = nullptr;
+        unsigned int size = 0;
+        Vorn::MemoryFromFile(path, data, size);
+        EXPECT_NE(data, nullptr);
+        return std::string(std::unique_ptr<char[]>(data).get(), size);
+    }
+    Names List(const std::string& pattern, Names out = {}) const {
+        Vorn::FilesInDirectory((mRoot + pattern).c_str(), out);
+        return out;
+    }
+
+    std::string mRoot = testing::TempDir() + "vorn-XXXXXX";
+};
+
+TEST_F(Files, GiveEveryByteBackAndAreReplaced) {
+    std::string bytes = "\r\n\x1a";
+    for (int byte = 0; byte < 256 * 300; ++byte)
+        bytes += static_cast<char>(byte);
+    for (const std::string& content : {bytes, std::string("short"), std::string()}) {
+        Save(mRoot + "with spaces [1]", content);
+        EXPECT_EQ(Read(mRoot + "with spaces [1]"), content);
+        EXPECT_EQ(Vorn::TextFromFile(mRoot + "with spaces [1]"), content);
+    }
 }
 
-TEST(File, EveryByteComesBack) {
-    const TempFolder folder;
-    const std::string bytes = AllBytes();
-    const std::string path = folder / "name with spaces [1].bin";
-    Save(path, bytes);
-    EXPECT_EQ(std::filesystem::file_size(path), bytes.size());
-    EXPECT_EQ(Read(path), bytes);
-    EXPECT_EQ(Vorn::TextFromFile(path), bytes);
-
-    std::filesystem::create_symlink(path, folder / "link");
-    EXPECT_EQ(Read(folder / "link"), bytes);
+TEST_F(Files, ThatAreNoneRaiseWhenReadAndStaySilentWhenWritten) {
+    Save(mRoot + "plain");
+    Save(mRoot + "long");
+    fs::resize_file(mRoot + "long", (std::uintmax_t{1} << 32) + 5);
+    fs::create_directory(mRoot + "sub");
+    for (const char* name : {"missing", "missing/file", "plain/beyond", "sub", "sub/", "long"}) {
+        const std::string path = mRoot + name;
+        char before = 'x';
+        char* data = &before;
+        unsigned int size = 77;
+        try {
+            Vorn::MemoryFromFile(path, data, size);
+            ADD_FAILURE() << "no exception for " << path;
+        } catch (const std::runtime_error& error) {
+            EXPECT_EQ(error.what(), "cannot open file: " + path);
+        }
+        EXPECT_TRUE(data == &before && size == 77);
+        EXPECT_THROW(Vorn::TextFromFile(path), std::runtime_error);
+    }
+    for (const char* name : {"missing/file", "plain/beyond", "sub"})
+        EXPECT_NO_THROW(Save(mRoot + name, "bytes"));
+    EXPECT_FALSE(fs::exists(mRoot + "missing"));
+    EXPECT_EQ(Read(mRoot + "plain"), "text");
 }
 
-TEST(File, AnEmptyOneGivesAnArrayOfItsOwn) {
-    const TempFolder folder;
-    const std::string path = folder.File("empty");
-    char before = 'x';
-    char* data = &before;
-    unsigned int size = 77;
-    Vorn::MemoryFromFile(path, data, size);
-    ASSERT_NE(data, &before);
-    delete[] data;
-    EXPECT_EQ(size, 0u);
-    EXPECT_EQ(Vorn::TextFromFile(path), "");
+TEST_F(Files, AreAppendedInTheOrderOfTheFileSystemWithoutFolders) {
+    fs::create_directory(mRoot + "sub.ent");
+    Save(mRoot + "sub.ent/inner.ent");
+    Names expected{"first"};
+    for (const char* nothing : {"*", "missing/*", "*.txt"})
+        EXPECT_EQ(List(nothing, expected), expected);
+    Save(mRoot + ".hidden");
+    fs::create_symlink(mRoot + "sub.ent", mRoot + "to a folder");
+    fs::create_symlink(mRoot + ".hidden", mRoot + "to a file");
+    for (int i = 0; i < 100; ++i)
+        Save(mRoot + std::to_string(i * 7919 % 1000) + ".ent");
+    for (const auto& entry : fs::directory_iterator(mRoot))
+        if (!entry.is_directory())
+            expected.push_back(entry.path().filename().string());
+    ASSERT_EQ(expected.size(), 103u);
+    EXPECT_EQ(List("*", {"first"}), expected);
 }
 
-TEST(File, WhatIsNoPlainFileCannotBeOpened) {
-    const TempFolder folder;
-    std::filesystem::create_symlink(folder / "nowhere", folder / "dangling");
-    const std::string plain = folder.File("plain", "text");
-    ExpectCannotOpen(folder / "missing");
-    ExpectCannotOpen(folder / "missing/file");
-    ExpectCannotOpen(folder / "dangling");
-    ExpectCannotOpen(plain + "/beyond");
-    ExpectCannotOpen(folder.Folder("sub"));
-    ExpectCannotOpen(folder.Folder("sub") + "/");
-    ExpectCannotOpen("/dev/null");
-    ExpectCannotOpen("");
-}
-
-TEST(File, OneLongerThanItsSizeCanSayCannotBeOpened) {
-    const TempFolder folder;
-    const std::string path = folder.File("long", "start");
-    std::error_code error;
-    std::filesystem::resize_file(path, (std::uintmax_t{1} << 32) + 5, error);
-    if (error)
-        GTEST_SKIP() << "no room for a file with a hole: " << error.message();
-    ExpectCannotOpen(path);
-}
-
-TEST(File, SavingReplacesWhatWasThere) {
-    const TempFolder folder;
-    const std::string path = folder / "file";
-    Save(path, "a long text that was there");
-    Save(path, "short");
-    EXPECT_EQ(Read(path), "short");
-    Vorn::SaveToFile(path, "only the first bytes", 4);
-    EXPECT_EQ(Read(path), "only");
-    Save(path, "");
-    EXPECT_EQ(Read(path), "");
-}
-
-TEST(File, SavingWhereNothingOpensIsSilent) {
-    const TempFolder folder;
-    const std::string plain = folder.File("plain", "text");
-    EXPECT_NO_THROW(Save(folder / "missing/file", "bytes"));
-    EXPECT_NO_THROW(Save(folder.Folder("sub"), "bytes"));
-    EXPECT_NO_THROW(Save(plain + "/beyond", "bytes"));
-    EXPECT_NO_THROW(Save("", "bytes"));
-    EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
-    EXPECT_TRUE(std::filesystem::is_directory(folder / "sub"));
-    EXPECT_EQ(Read(plain), "text");
-}
-
-TEST(FilesInDirectory, AppendsFilesAndNoDirectories) {
-    const TempFolder folder;
-    for (const char* name : {"b.ent", "a.ent", ".hidden", "c.var", "no extension"})
-        folder.File(name);
-    folder.Folder("sub.ent");
-    folder.File("sub.ent/inner.ent");
-    std::filesystem::create_symlink(folder / "sub.ent", folder / "to a folder");
-    std::filesystem::create_symlink(folder / "c.var", folder / "to a file");
-
-    Names out{"first"};
-    Vorn::FilesInDirectory((folder / "*").c_str(), out);
-    ASSERT_EQ(out.size(), 7u);
-    EXPECT_EQ(out[0], "first");
-    EXPECT_EQ(
-        std::set<std::string>(out.begin() + 1, out.end()),
-        (std::set<std::string>{"a.ent", "b.ent", ".hidden", "c.var", "no extension", "to a file"}));
-
-    Names again;
-    Vorn::FilesInDirectory((folder / "*.ent").c_str(), again);
-    Vorn::FilesInDirectory((folder / "*.ent").c_str(), again);
-    ASSERT_EQ(again.size(), 4u);
-    EXPECT_EQ(std::multiset<std::string>(again.begin(), again.end()),
-              (std::multiset<std::string>{"a.ent", "a.ent", "b.ent", "b.ent"}));
-}
-
-TEST(FilesInDirectory, StaysAsItIsWithoutAMatch) {
-    const TempFolder folder;
-    folder.Folder("only a folder");
-    Names out{"first"};
-    Vorn::FilesInDirectory((folder / "*").c_str(), out);
-    Vorn::FilesInDirectory((folder / "missing/*").c_str(), out);
-    Vorn::FilesInDirectory((folder.File("file") + "/*").c_str(), out);
-    Vorn::FilesInDirectory((folder / "*.ent").c_str(), out);
-    EXPECT_EQ(out, Names{"first"});
-}
-
-TEST(FilesInDirectory, ComesInTheOrderOfTheFileSystem) {
-    const TempFolder folder;
-    for (int i = 0; i < 300; ++i)
-        folder.File(std::to_string(i * 7919 % 1000) + ".ent");
-    Names expected;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
-        expected.push_back(entry.path().filename().string());
-    Names out;
-    Vorn::FilesInDirectory((folder / "*").c_str(), out);
-    EXPECT_EQ(out, expected);
+TEST_F(Files, AreMatchedByStarAndQuestionMarkInTheLastElementOnly) {
+    for (const char* sub : {"x*y", "xzy", "[ab]"})
+        fs::create_directory(mRoot + sub);
+    for (const char* name :
+         {"a[1].txt", "a1.txt", "A1.txt", ".hid", "a", "b\\", "x*y/1", "xzy/2", "[ab]/3"})
+        Save(mRoot + name);
+    const std::pair<const char*, Names> cases[] = {
+        {"a[1].*", {"a[1].txt"}},
+        {"a*", {"a", "a1.txt", "a[1].txt"}},
+        {"?1.txt", {"A1.txt", "a1.txt"}},
+        {"b\\", {"b\\"}},
+        {"?hid", {".hid"}},
+        {"*.", {}},
+        {"*.*", {".hid", "A1.txt", "a", "a1.txt", "a[1].txt", "b\\"}},
+        {"x*y/?", {"1"}},
+        {"[ab]/3", {"3"}},
+        {"x?y/*", {}},
+    };
+    for (const auto& [pattern, expected] : cases) {
+        Names names = List(pattern);
+        std::sort(names.begin(), names.end());
+        EXPECT_EQ(names, expected) << pattern;
+    }
 }
 
 } // namespace

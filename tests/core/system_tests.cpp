@@ -1,270 +1,132 @@
 // SPDX-License-Identifier: MIT
-#include "vorn/physics/physics_cmpt.hpp"
-#include "vorn/physics/physics_system.hpp"
-#include "vorn/render/emitter_cmpt.hpp"
-#include "vorn/render/emitter_system.hpp"
-#include "vorn/render/graphics_cmpt.hpp"
-#include "vorn/render/graphics_system.hpp"
-#include "vorn/scene/system.hpp"
+#include "vorn/vorn.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
+#include <functional>
 #include <list>
 #include <memory>
 #include <random>
-#include <string>
-#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
 
-struct Graphics {
-    using Cmpt = Vorn::GraphicsCmpt;
-    using System = Vorn::GraphicsSystem;
-    static constexpr bool ErasesAll = false;
-};
-struct Physics {
-    using Cmpt = Vorn::PhysicsCmpt;
-    using System = Vorn::PhysicsSystem;
-    static constexpr bool ErasesAll = true;
-};
-struct Emitters {
-    using Cmpt = Vorn::EmitterCmpt;
-    using System = Vorn::EmitterSystem;
-    static constexpr bool ErasesAll = false;
+struct Piece {
+    Vorn::Registration<Piece> mRegistration;
 };
 
-struct KindNames {
-    template <typename Kind>
-    static std::string GetName(int) {
-        if (std::is_same_v<Kind, Graphics>)
-            return "Graphics";
-        return std::is_same_v<Kind, Physics> ? "Physics" : "Emitters";
+using PieceList = Vorn::CmptList<Piece>;
+using Plain = std::list<Piece*>;
+
+TEST(CmptList, TwoListsRunLikePlainOnes) {
+    std::mt19937 random(13);
+    std::vector<std::unique_ptr<Piece>> pieces(9);
+    std::vector<std::unique_ptr<PieceList>> lists(2);
+    std::array<Plain, 2> plain;
+    for (auto& piece : pieces)
+        piece = std::make_unique<Piece>();
+    for (auto& list : lists)
+        list = std::make_unique<PieceList>();
+    for (int step = 0; step < 30'000; ++step) {
+        // Mostly in one list, so that entries pile up.
+        const std::size_t at = random() % 16 == 0;
+        auto& slot = pieces[random() % pieces.size()];
+        Piece* piece = slot.get();
+        const auto dice = random() % 1000;
+        if (dice < 550) {
+            lists[at]->Add(piece);
+            plain[1 - at].remove(piece);
+            plain[at].push_back(piece);
+        } else if (dice < 900) {
+            lists[at]->RemoveFirst(piece);
+            const auto found = std::find(plain[at].begin(), plain[at].end(), piece);
+            if (found != plain[at].end())
+                plain[at].erase(found);
+        } else if (dice < 940) {
+            lists[at]->RemoveAll(piece);
+            plain[at].remove(piece);
+        } else if (dice < 960) {
+            *piece = *pieces[random() % pieces.size()];
+        } else if (dice < 995) {
+            plain[0].remove(piece);
+            plain[1].remove(piece);
+            slot.reset();
+            slot = std::make_unique<Piece>();
+        } else {
+            lists[at] = std::make_unique<PieceList>();
+            plain[at].clear();
+        }
+        ASSERT_EQ(lists[0]->Cmpts(), plain[0]) << step;
+        ASSERT_EQ(lists[1]->Cmpts(), plain[1]) << step;
     }
-};
+}
+
+TEST(CmptList, UsesTheMemoryOfErasedEntriesAgain) {
+    Piece piece;
+    PieceList list;
+    list.Add(&piece);
+    const void* entry = &list.Cmpts().back();
+    list.RemoveFirst(&piece);
+    const Plain other(9, nullptr); // would take memory that was given back
+    list.Add(&piece);
+    EXPECT_EQ(&list.Cmpts().back(), entry);
+}
 
 using Ids = std::vector<int>;
 
 /// Writes its number into a log whenever its system's walk comes by.
-template <typename Kind>
-class Probe : public Kind::Cmpt {
+template <typename Cmpt>
+class Probe : public Cmpt {
 public:
-    Probe(Ids& inits, Ids& deinits, int id) : mInits(&inits), mDeinits(&deinits), mId(id) {}
-    void Init() override { mInits->push_back(mId); }
-    void Deinit() override { mDeinits->push_back(mId); }
+    Probe(Ids& log, int id) : mLog(log), mId(id) {}
+    void Init() override { mLog.push_back(mId); }
+    void Deinit() override { mLog.push_back(-mId); }
 
-    Ids* mInits;
-    Ids* mDeinits;
+private:
+    Ids& mLog;
     int mId;
 };
 
-template <typename Kind>
-class ComponentSystem : public testing::Test {
-protected:
-    using Base = Vorn::System<typename Kind::System, typename Kind::Cmpt>;
-
-    std::unique_ptr<Probe<Kind>> Make(int id) {
-        return std::make_unique<Probe<Kind>>(mInits, mDeinits, id);
-    }
-
-    void Enter(std::initializer_list<Probe<Kind>*> probes) {
-        for (Probe<Kind>* probe : probes)
-            mSystem.Register(probe);
-    }
-
-    /// The numbers of what is registered, in order.
-    Ids Walk() {
-        mInits.clear();
-        mDeinits.clear();
-        mSystem.Init();
-        EXPECT_TRUE(mDeinits.empty());
-        mSystem.Deinit();
-        EXPECT_EQ(mInits, mDeinits);
-        return mInits;
-    }
-
-    Ids mInits;
-    Ids mDeinits;
-    Base& mSystem = *Kind::System::Instance();
-};
-
-using Kinds = testing::Types<Graphics, Physics, Emitters>;
-TYPED_TEST_SUITE(ComponentSystem, Kinds, KindNames);
-
-TYPED_TEST(ComponentSystem, DoesNothingWithAnEmptyList) {
-    EXPECT_EQ(this->Walk(), Ids{});
-    this->mSystem.Update(0.1f);
-    const auto stranger = this->Make(1);
-    this->mSystem.Unregister(stranger.get());
-    EXPECT_EQ(this->Walk(), Ids{});
-}
-
-TYPED_TEST(ComponentSystem, WalksInOrderOfRegistration) {
-    const auto a = this->Make(1);
-    const auto b = this->Make(2);
-    const auto c = this->Make(3);
-    this->Enter({c.get(), a.get(), b.get()});
-    EXPECT_EQ(this->Walk(), (Ids{3, 1, 2}));
-    EXPECT_EQ(this->Walk(), (Ids{3, 1, 2})) << "a walk takes nobody out";
-    this->mSystem.Unregister(a.get());
-    this->mSystem.Register(a.get());
-    EXPECT_EQ(this->Walk(), (Ids{3, 2, 1}));
-    this->mSystem.Unregister(c.get());
-    EXPECT_EQ(this->Walk(), (Ids{2, 1}));
-}
-
-TYPED_TEST(ComponentSystem, DuplicatesAreWalkedTwiceAndTakenOutByKind) {
-    const auto a = this->Make(1);
-    const auto b = this->Make(2);
-    this->Enter({a.get(), b.get(), a.get(), b.get(), a.get()});
-    EXPECT_EQ(this->Walk(), (Ids{1, 2, 1, 2, 1}));
-    this->mSystem.Unregister(a.get());
-    EXPECT_EQ(this->Walk(), TypeParam::ErasesAll ? (Ids{2, 2}) : (Ids{2, 1, 2, 1}));
-    this->mSystem.Unregister(b.get());
-    EXPECT_EQ(this->Walk(), TypeParam::ErasesAll ? Ids{} : (Ids{1, 2, 1}));
-    this->mSystem.Unregister(a.get());
-    EXPECT_EQ(this->Walk(), TypeParam::ErasesAll ? Ids{} : (Ids{2, 1}));
-}
-
-TYPED_TEST(ComponentSystem, StrangersLeaveTheListAlone) {
-    const auto a = this->Make(1);
-    const auto b = this->Make(2);
-    const auto stranger = this->Make(3);
-    this->mSystem.Register(a.get());
-    this->mSystem.Register(b.get());
-    this->mSystem.Unregister(stranger.get());
-    EXPECT_EQ(this->Walk(), (Ids{1, 2}));
-    this->mSystem.Unregister(b.get());
-    this->mSystem.Unregister(b.get());
-    EXPECT_EQ(this->Walk(), Ids{1});
-}
-
-TYPED_TEST(ComponentSystem, WhatDiesLeavesWithAllItsEntries) {
-    const auto a = this->Make(1);
-    auto b = this->Make(2);
-    this->Enter({b.get(), a.get(), b.get(), a.get(), b.get()});
-    b.reset();
-    EXPECT_EQ(this->Walk(), (Ids{1, 1}));
-}
-
-TYPED_TEST(ComponentSystem, CopiesAreNotRegistered) {
-    auto a = this->Make(1);
-    const auto b = this->Make(2);
-    this->mSystem.Register(a.get());
+template <typename Cmpt, typename System>
+void ExpectRegistrationRules(bool erasesAll) {
+    Vorn::System<System, Cmpt>& system = *System::Instance();
+    Ids log;
+    const auto walk = [&] {
+        log.clear();
+        system.Init();
+        Ids inits = std::exchange(log, {});
+        system.Update(0.1f);
+        system.Deinit();
+        std::transform(log.begin(), log.end(), log.begin(), std::negate());
+        EXPECT_EQ(log, inits);
+        return inits;
+    };
+    EXPECT_EQ(walk(), Ids{});
+    Probe<Cmpt> a(log, 1), b(log, 2), stranger(log, 3);
     {
-        Probe<TypeParam> copy(*a);
-        copy.mId = 3;
-        EXPECT_EQ(this->Walk(), Ids{1});
-        this->mSystem.Unregister(&copy);
-        EXPECT_EQ(this->Walk(), Ids{1});
-        this->mSystem.Register(&copy);
-        EXPECT_EQ(this->Walk(), (Ids{1, 3}));
+        Probe<Cmpt> copied(log, 4);
+        for (Probe<Cmpt>* probe : {&b, &a, &copied, &a, &b, &copied, &a})
+            system.Register(probe);
+        EXPECT_EQ(walk(), (Ids{2, 1, 4, 1, 2, 4, 1}));
+        Probe<Cmpt> copy(copied);
+        system.Unregister(&copy);
+        system.Unregister(&stranger);
+        EXPECT_EQ(walk(), (Ids{2, 1, 4, 1, 2, 4, 1}));
     }
-    EXPECT_EQ(this->Walk(), Ids{1});
-    *a = *b;
-    EXPECT_EQ(this->Walk(), Ids{2}) << "still registered, with the other's number";
+    EXPECT_EQ(walk(), (Ids{2, 1, 1, 2, 1})) << "what dies leaves with all its entries";
+    system.Unregister(&a);
+    EXPECT_EQ(walk(), erasesAll ? (Ids{2, 2}) : (Ids{2, 1, 2, 1}));
+    system.Unregister(&b);
+    EXPECT_EQ(walk(), erasesAll ? Ids{} : (Ids{1, 2, 1}));
 }
 
-TYPED_TEST(ComponentSystem, RunsLikeAPlainList) {
-    std::mt19937 random(1300);
-    std::array<std::unique_ptr<Probe<TypeParam>>, 12> probes;
-    int nextId = 0;
-    for (auto& probe : probes)
-        probe = this->Make(nextId++);
-    std::list<int> plain;
-
-    for (int step = 0; step < 20'000; ++step) {
-        SCOPED_TRACE(step);
-        auto& probe = probes[random() % probes.size()];
-        const auto dice = random() % 100;
-        if (dice < 55) {
-            this->mSystem.Register(probe.get());
-            plain.push_back(probe->mId);
-        } else if (dice < 93) {
-            this->mSystem.Unregister(probe.get());
-            const auto found = std::find(plain.begin(), plain.end(), probe->mId);
-            if (TypeParam::ErasesAll)
-                plain.remove(probe->mId);
-            else if (found != plain.end())
-                plain.erase(found);
-        } else if (dice < 97) {
-            plain.remove(probe->mId);
-            probe.reset();
-            probe = this->Make(nextId++);
-        } else {
-            const Probe<TypeParam> copy(*probe);
-        }
-        ASSERT_EQ(this->Walk(), Ids(plain.begin(), plain.end()));
-    }
-    for (auto& probe : probes)
-        probe.reset();
-    EXPECT_EQ(this->Walk(), Ids{});
-}
-
-template <typename Kind>
-bool Serves() {
-    Ids inits, deinits;
-    Probe<Kind> probe(inits, deinits, 7);
-    auto* system = Kind::System::Instance();
-    system->Register(&probe);
-    system->Init();
-    system->Unregister(&probe);
-    system->Deinit();
-    return inits == Ids{7} && deinits.empty();
-}
-
-const bool servedBeforeMain = Serves<Graphics>() && Serves<Physics>() && Serves<Emitters>();
-
-TEST(ComponentSystems, ServeBeforeMain) {
-    EXPECT_TRUE(servedBeforeMain);
-}
-
-TEST(ComponentSystems, KeepTheirListsApart) {
-    Ids inits, deinits;
-    Probe<Graphics> graphics(inits, deinits, 1);
-    Probe<Physics> physics(inits, deinits, 2);
-    Probe<Emitters> emitter(inits, deinits, 3);
-    Vorn::GraphicsSystem::Instance()->Register(&graphics);
-    Vorn::PhysicsSystem::Instance()->Register(&physics);
-    Vorn::EmitterSystem::Instance()->Register(&emitter);
-    Vorn::PhysicsSystem::Instance()->Init();
-    EXPECT_EQ(inits, Ids{2});
-    Vorn::EmitterSystem::Instance()->Init();
-    EXPECT_EQ(inits, (Ids{2, 3}));
-    Vorn::GraphicsSystem::Instance()->Deinit();
-    EXPECT_EQ(deinits, Ids{1});
-}
-
-struct Lamp {
-    int lit = 0;
-};
-
-/// A host's own kind, in the same frame as the engine's.
-class LampSystem : public Vorn::System<LampSystem, Lamp> {
-public:
-    void Init() override {}
-    void Update(float dt) override { mTime += dt; }
-    void Deinit() override {}
-    void Register(Lamp* lamp) override { ++lamp->lit; }
-    void Unregister(Lamp* lamp) override { --lamp->lit; }
-
-    float mTime = 0.0f;
-};
-
-TEST(ComponentSystems, TakeAHostsOwnKind) {
-    static_assert(std::is_abstract_v<Vorn::System<LampSystem, Lamp>>);
-    static_assert(std::has_virtual_destructor_v<Vorn::System<LampSystem, Lamp>>);
-    Lamp lamp;
-    Vorn::System<LampSystem, Lamp>& system = *LampSystem::Instance();
-    system.Register(&lamp);
-    system.Register(&lamp);
-    system.Unregister(&lamp);
-    system.Update(0.5f);
-    EXPECT_EQ(lamp.lit, 1);
-    EXPECT_EQ(LampSystem::mSingleton.mTime, 0.5f);
+TEST(ComponentSystems, WalkInOrderAndTakeOutTheFirstOrEveryEntry) {
+    ExpectRegistrationRules<Vorn::GraphicsCmpt, Vorn::GraphicsSystem>(false);
+    ExpectRegistrationRules<Vorn::EmitterCmpt, Vorn::EmitterSystem>(false);
+    ExpectRegistrationRules<Vorn::PhysicsCmpt, Vorn::PhysicsSystem>(true);
 }
 
 } // namespace

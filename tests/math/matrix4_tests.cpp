@@ -1,236 +1,167 @@
 // SPDX-License-Identifier: MIT
 #include "tests/math/exact.hpp"
-#include "vorn/vorn.hpp"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstring>
-#include <type_traits>
 
 namespace {
 
-using Exact::ExpectNear;
+using namespace Exact;
 using Vorn::Matrix4;
 using Vorn::Vector3;
 using Vorn::Vector4;
 
-static_assert(sizeof(Matrix4[2]) == 32 * sizeof(float));
-static_assert(std::is_standard_layout_v<Matrix4> && std::is_trivially_copyable_v<Matrix4>);
-
-// Element i is 10 + i.
-Matrix4 Counting() {
-    Matrix4 m;
-    for (int i = 0; i < 16; ++i)
-        m.m[i] = static_cast<float>(10 + i);
-    return m;
-}
+const Matrix4 Counting(10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25);
 
 void ExpectSame(const Matrix4& actual, const Matrix4& expected) {
     for (int i = 0; i < 16; ++i)
         EXPECT_EQ(actual.m[i], expected.m[i]) << "row " << i / 4 << " column " << i % 4;
 }
 
-void ExpectIs(const Vector4& v, float x, float y, float z, float w) {
-    EXPECT_EQ(v.x, x);
-    EXPECT_EQ(v.y, y);
-    EXPECT_EQ(v.z, z);
-    EXPECT_EQ(v.w, w);
-}
-
-TEST(Matrix4, StartsAsTheIdentity) {
-    const Matrix4 identity(1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1);
-    ExpectSame(Matrix4(), identity);
-    ExpectSame(Matrix4(nullptr), identity);
-    ExpectSame(Matrix4::Identity, identity);
-    Matrix4 m = Counting();
-    m.SetIdentity();
-    ExpectSame(m, identity);
-}
-
-TEST(Matrix4, TakesElementsRowByRow) {
-    const float elements[16] = {10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25};
-    ExpectSame(Matrix4(elements), Counting());
-    ExpectSame(Matrix4(10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25), Counting());
-    const Matrix4 m(elements);
-    EXPECT_EQ(std::memcmp(&m, elements, sizeof(elements)), 0);
-}
-
-TEST(Matrix4, RowsAndColumnsComeOutInOrder) {
-    const Matrix4 m = Counting();
-    EXPECT_EQ(m.Row1ToVec3(), Vector3(10, 11, 12));
-    EXPECT_EQ(m.Row2ToVec3(), Vector3(14, 15, 16));
-    EXPECT_EQ(m.Row3ToVec3(), Vector3(18, 19, 20));
-    EXPECT_EQ(m.Row4ToVec3(), Vector3(22, 23, 24));
-    ExpectIs(m.Row1ToVec4(), 10, 11, 12, 13);
-    ExpectIs(m.Row2ToVec4(), 14, 15, 16, 17);
-    ExpectIs(m.Row3ToVec4(), 18, 19, 20, 21);
-    ExpectIs(m.Row4ToVec4(), 22, 23, 24, 25);
-    EXPECT_EQ(m.Col1ToVec3(), Vector3(10, 14, 18));
-    EXPECT_EQ(m.Col2ToVec3(), Vector3(11, 15, 19));
-    EXPECT_EQ(m.Col3ToVec3(), Vector3(12, 16, 20));
-    EXPECT_EQ(m.Col4ToVec3(), Vector3(13, 17, 21));
-    ExpectIs(m.Col1ToVec4(), 10, 14, 18, 22);
-    ExpectIs(m.Col2ToVec4(), 11, 15, 19, 23);
-    ExpectIs(m.Col3ToVec4(), 12, 16, 20, 24);
-    ExpectIs(m.Col4ToVec4(), 13, 17, 21, 25);
-}
-
-TEST(Matrix4, TransposesInPlaceAsACopyAndForThePlatform) {
-    const Matrix4 expected(10, 14, 18, 22, 11, 15, 19, 23, 12, 16, 20, 24, 13, 17, 21, 25);
-    Matrix4 m = Counting();
-    ExpectSame(m.Transposed(), expected);
-    ExpectSame(m, Counting());
+TEST(Matrix4, StandsRowByRow) {
+    ExpectSame(Matrix4(), Matrix4(1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1));
+    const Matrix4 m(Counting.m);
+    const Vector4 rows[] = {m.Row1ToVec4(), m.Row2ToVec4(), m.Row3ToVec4(), m.Row4ToVec4()};
+    const Vector4 columns[] = {m.Col1ToVec4(), m.Col2ToVec4(), m.Col3ToVec4(), m.Col4ToVec4()};
+    const Vector3 rows3[] = {m.Row1ToVec3(), m.Row2ToVec3(), m.Row3ToVec3(), m.Row4ToVec3()};
+    const Vector3 columns3[] = {m.Col1ToVec3(), m.Col2ToVec3(), m.Col3ToVec3(), m.Col4ToVec3()};
     const D3DXMATRIX platform = m;
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c)
-            EXPECT_EQ(platform.m[r][c], m.m[4 * c + r]) << r << c;
-    // Where Direct3D looks for it.
-    EXPECT_EQ(platform._41, 13.0f);
-    m.Transpose();
-    ExpectSame(m, expected);
+    for (int i = 0; i < 4; ++i) {
+        const Vec row{10.0 + 4 * i, 11.0 + 4 * i, 12.0 + 4 * i, 13.0 + 4 * i};
+        const Vec column{10.0 + i, 14.0 + i, 18.0 + i, 22.0 + i};
+        ExpectNear(Of(rows[i]), row, 0);
+        ExpectNear(Of(columns[i]), column, 0);
+        EXPECT_EQ(rows3[i], To(row));
+        EXPECT_EQ(columns3[i], To(column));
+        for (int k = 0; k < 4; ++k)
+            EXPECT_EQ(platform.m[i][k], m.m[4 * k + i]);
+    }
 }
 
-TEST(Matrix4, AProductAppliesItsRightFactorFirst) {
-    Exact::Random random(31);
+TEST(Matrix4, ProductsApplyTheRightFactorFirst) {
+    Random random(31);
     for (int i = 0; i < 200; ++i) {
-        SCOPED_TRACE(i);
         const Matrix4 a = random.Matrix(2);
         const Matrix4 b = random.Matrix(2);
-        const Vector4 v(random.Vector(3), random.Float(-3, 3));
-        const Exact::Clip inner =
-            Exact::Apply(Exact::Of(b), Exact::Of(v.x, v.y, v.z), static_cast<double>(v.w));
-        const Exact::Clip outer = Exact::Apply(Exact::Of(a), inner.v, inner.w);
-        Exact::ExpectNear4((a * b) * v, {outer.v, outer.w}, 2e-4);
-        Exact::ExpectNear4(a * (b * v), {outer.v, outer.w}, 2e-4);
-        Matrix4 inPlace = a;
-        EXPECT_EQ(&(inPlace *= b), &inPlace);
-        ExpectSame(inPlace, a * b);
+        const Vec v = random.Four(3);
+        ExpectNear(Of((a * b) * To<Vector4>(v)), Apply(a, Apply(b, v)), 2e-4);
+        ExpectNear(Of(a * To<Vector4>(v)), Apply(a, v), 1e-5);
+        // Three floats are a point, and the last row takes no part.
+        EXPECT_EQ(a * To(v), To(Of(a * Vector4(To(v), 1))));
     }
-    // A quarter turn about Z and a step along X, told apart by hand.
-    const Matrix4 turn = Matrix4::RotationAxisAngle({0, 0, 1}, static_cast<float>(Exact::Pi / 2));
-    const Matrix4 step = Matrix4::Translation(5, 0, 0);
-    ExpectNear((turn * step) * Vector3(1, 0, 0), {0, 6, 0}, 1e-5);
-    ExpectNear((step * turn) * Vector3(1, 0, 0), {5, 1, 0}, 1e-5);
+    Matrix4 square = Counting;
+    square *= square;
+    ExpectSame(square, Counting * Matrix4(Counting));
 }
 
-TEST(Matrix4, AProductWithItselfReadsTheOldElements) {
-    Matrix4 m(1, 2, 0, 0, 3, 4, 0, 0, 0, 0, 5, 6, 0, 0, 7, 8);
-    const Matrix4& same = m;
-    m *= same;
-    ExpectSame(m, Matrix4(7, 10, 0, 0, 15, 22, 0, 0, 0, 0, 67, 78, 0, 0, 91, 106));
-}
-
-TEST(Matrix4, AThreeVectorIsAPointAndTheLastRowTakesNoPart) {
-    const Matrix4 m = Counting();
-    const Vector3 v(1, -2, 3);
-    const Vector3 expected(10 - 22 + 36 + 13, 14 - 30 + 48 + 17, 18 - 38 + 60 + 21);
-    EXPECT_EQ(m * v, expected);
-    ExpectIs(m * Vector4(v, 1), expected.x, expected.y, expected.z, 22 - 46 + 72 + 25);
-    ExpectIs(m * Vector4(v, 0), expected.x - 13, expected.y - 17, expected.z - 21, 22 - 46 + 72);
-}
-
-TEST(Matrix4, TranslateAddsWhateverTheRotation) {
-    Exact::Random random(32);
-    for (int i = 0; i < 100; ++i) {
-        SCOPED_TRACE(i);
-        const Vector3 offset = random.Vector(10);
-        const Matrix4 before = Matrix4::Translation(random.Vector(10)) *
-                               Matrix4::RotationEuler(random.Vector(1)) * Matrix4::Scaling(2, 3, 4);
-        Matrix4 m = before;
-        m.Translate(offset);
-        ExpectSame(m, Matrix4::Translation(offset) * before);
-        Matrix4 fromNumbers = before;
-        fromNumbers.Translate(offset.x, offset.y, offset.z);
-        ExpectSame(fromNumbers, m);
-        EXPECT_NE(m.Col4ToVec3(), (before * Matrix4::Translation(offset)).Col4ToVec3());
-    }
-    // A product would carry the last row into the others.
-    Matrix4 m = Counting();
-    m.Translate(100, 200, 300);
+TEST(Matrix4, OffsetsAddAndFactorsMeetTheDiagonalOnly) {
+    Matrix4 m = Counting;
+    m.Translate(Vector3(100, 200, 300));
     ExpectSame(m, Matrix4(10, 11, 12, 113, 14, 15, 16, 217, 18, 19, 20, 321, 22, 23, 24, 25));
-}
-
-TEST(Matrix4, ScaleMultipliesTheDiagonalOnly) {
-    const Matrix4 expected(20, 11, 12, 13, 14, 45, 16, 17, 18, 19, -80, 21, 22, 23, 24, 25);
-    Matrix4 m = Counting();
-    m.Scale(2, 3, -4);
-    ExpectSame(m, expected);
-    m = Counting();
+    m = Counting;
     m.Scale(Vector3(2, 3, -4));
-    ExpectSame(m, expected);
-}
-
-TEST(Matrix4, ExtractRotationDropsTheTranslationOnly) {
-    const Matrix4 m = Counting();
-    ExpectSame(m.ExtractRotation(),
+    ExpectSame(m, Matrix4(20, 11, 12, 13, 14, 45, 16, 17, 18, 19, -80, 21, 22, 23, 24, 25));
+    ExpectSame(Counting.ExtractRotation(),
                Matrix4(10, 11, 12, 0, 14, 15, 16, 0, 18, 19, 20, 0, 22, 23, 24, 25));
-    ExpectSame(m, Counting());
-}
-
-TEST(Matrix4, InverseOfTranslationRotationScaleIsTheGeneralOne) {
-    Exact::Random random(33);
-    for (int i = 0; i < 500; ++i) {
-        SCOPED_TRACE(i);
-        const auto scale = [&] {
-            const float size = random.Float(0.2f, 5);
-            return random.Int(0, 3) == 0 ? -size : size;
-        };
-        const float sx = scale();
-        const float sy = scale();
-        const Vector3 axis = Exact::ToVector3(random.Axis());
-        const Matrix4 m = Matrix4::Translation(random.Vector(20)) *
-                          Matrix4::RotationAxisAngle(axis, random.Float(-7, 7)) *
-                          Matrix4::Scaling(sx, sy, scale());
-        const Exact::Mat expected = Exact::Inverse(Exact::Of(m));
-        const Matrix4 inverse = m.Inversed();
-        ExpectNear(Exact::Of(inverse), expected, 2e-4);
-        Matrix4 inPlace = m;
-        inPlace.Inverse();
-        ExpectSame(inPlace, inverse);
-        const Vector3 v = random.Vector(5);
-        ExpectNear(inverse * (m * v), Exact::Of(v), 1e-3);
-    }
+    ExpectSame(Matrix4::Translation(Vector3(2, -3, 4)) * Matrix4::Scaling(Vector3(5, 6, 7)),
+               Matrix4(5, 0, 0, 2, 0, 6, 0, -3, 0, 0, 7, 4, 0, 0, 0, 1));
 }
 
 TEST(Matrix4, InverseTakesAnyMatrixForTranslationRotationScale) {
-    Exact::Random random(34);
-    for (int i = 0; i < 200; ++i) {
-        SCOPED_TRACE(i);
-        Matrix4 m;
-        // Columns that are far from zero, at no right angles; the last row is arbitrary.
-        const auto setColumn = [&](int c, const Vector3& v) {
-            m.m[c] = v.x;
-            m.m[4 + c] = v.y;
-            m.m[8 + c] = v.z;
-            m.m[12 + c] = random.Float(-3, 3);
-        };
-        for (int c = 0; c < 3; ++c) {
-            const double length = static_cast<double>(random.Float(0.5f, 3));
-            setColumn(c, Exact::ToVector3(length * random.Axis()));
-        }
-        setColumn(3, random.Vector(5));
-
+    Random random(34);
+    for (int i = 0; i < 300; ++i) {
+        const Matrix4 m = random.Matrix(3);
+        Matrix4 inverse = m;
+        inverse.Inverse();
         // Row i is column i divided by its square length, and meets the negated translation.
-        Exact::Mat expected;
-        expected.e[3][3] = 1;
-        const Exact::Vec translation = Exact::Of(m.Col4ToVec3());
-        const Vector3 columns[] = {m.Col1ToVec3(), m.Col2ToVec3(), m.Col3ToVec3()};
-        for (int r = 0; r < 3; ++r) {
-            const Exact::Vec column = Exact::Of(columns[r]);
-            const Exact::Vec row = (1 / Exact::Dot(column, column)) * column;
-            expected.e[r][0] = row.x;
-            expected.e[r][1] = row.y;
-            expected.e[r][2] = row.z;
-            expected.e[r][3] = -Exact::Dot(row, translation);
-        }
-        ExpectNear(Exact::Of(m.Inversed()), expected, 1e-4);
+        const Vec place = random.Vector(5);
+        const auto along = [&](const Vector3& column) {
+            const Vec offset = place + -1.0 * Of(m.Col4ToVec3());
+            return Dot(Of(column), offset) / Dot(Of(column), Of(column));
+        };
+        const Vec expected{along(m.Col1ToVec3()), along(m.Col2ToVec3()), along(m.Col3ToVec3()), 1};
+        ExpectNear(Apply(inverse, place + W), expected, 1e-5 * Length(expected));
+    }
+    EXPECT_FALSE(std::isfinite(Matrix4::Scaling(2, 0, 2).Inversed().m[5]));
+}
+
+TEST(Matrix4Builders, RotateColumnVectors) {
+    Random random(41);
+    for (int i = 0; i < 300; ++i) {
+        const Vec v = random.Vector(5);
+        const Vec e = random.Vector(7);
+        const Matrix4 euler = Matrix4::RotationEuler(To(e));
+        const Vec turned = Rotate(Rotate(Rotate(v, X, e.x), Y, e.y), Z, e.z);
+        ExpectNear(Apply(euler, v + W), turned + W, 1e-5);
+        const Vec axis = random.Axis();
+        const double length = std::pow(10, random(-4.5f, 4));
+        const Matrix4 turn = Matrix4::RotationAxisAngle(To(length * axis), Single(e.x));
+        ExpectNear(Apply(turn, v + W), Rotate(v, axis, e.x) + W, 1e-5);
+    }
+    // An axis too short is taken as it is.
+    const Matrix4 tiny = Matrix4::RotationAxisAngle(Vector3(9e-6f, 0, 0), 0.7f);
+    ExpectNear(Of(tiny * Vector3(1, 2, 3)), std::cos(0.7) * Vec{1, 2, 3}, 2e-5);
+    ExpectNear(tiny.m[9], 9e-6 * std::sin(0.7), 1e-10);
+}
+
+TEST(Matrix4Builders, AxisAlignZCarriesTheAxisOntoZ) {
+    Random random(43);
+    for (int i = 0; i < 300; ++i) {
+        // The second form is taken where Y of what was passed is 1, whatever the direction.
+        const bool second = i % 3 == 0;
+        Vec passed = random(0.01f, 50) * random.Axis();
+        if (second)
+            passed.y = 1 + random(-0.000009f, 0.000009f);
+        else if (std::abs(passed.y - 1) < 0.00002 || std::abs(Unit(passed).y) > 0.999)
+            continue;
+        const Matrix4 m = Matrix4::RotationAxisAlignZ(To(passed));
+        const Vec n = Unit(passed);
+        const Vec up = second ? Unit(Cross(X, n)) : Cross(n, Unit(Cross(Y, n)));
+        const Vec right = second ? Cross(up, n) : Unit(Cross(Y, n));
+        ExpectNear(Of(m.Row1ToVec4()), right, 1e-5);
+        ExpectNear(Of(m.Row2ToVec4()), up, 1e-5);
+        ExpectNear(Of(m.Row3ToVec4()), n, 1e-5);
+        ExpectNear(Of(m.Row4ToVec4()), W, 0);
+    }
+    ExpectSame(Matrix4::RotationAxisAlignZ(Vector3(0, 1, 0)),
+               Matrix4(-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1));
+    // Elsewhere along Y it flattens.
+    for (const float y : {-1.0f, 0.5f, 1.00003f, 300.0f, 0.0f})
+        ExpectSame(Matrix4::RotationAxisAlignZ(Vector3(0, y, 0)),
+                   Matrix4(0, 0, 0, 0, 0, 0, 0, 0, 0, y < 0 ? -1.0f : y > 0, 0, 0, 0, 0, 0, 1));
+}
+
+TEST(Matrix4Builders, LookAtIsLeftHanded) {
+    Random random(45);
+    for (int i = 0; i < 300; ++i) {
+        const Vec forward = random.Axis();
+        const Vec up = Unit(Cross(forward, random.Axis()));
+        const Vec right = Cross(up, forward);
+        const Vec eye = random.Vector(20);
+        // The up vector needs neither unit length nor a right angle to the view.
+        const Matrix4 view = Matrix4::LookAt(To(eye), To(eye + random(0.5f, 30) * forward),
+                                             To(3.0 * up + random(-2, 2) * forward));
+        const Vec place = random.Vector(10);
+        const Vec seen = eye + place.x * right + place.y * up + place.z * forward;
+        ExpectNear(Apply(view, seen + W), place + W, 3e-4);
     }
 }
 
-TEST(Matrix4, InverseOfAZeroColumnIsNotFinite) {
-    const Matrix4 inverse = (Matrix4::Translation(1, 2, 3) * Matrix4::Scaling(2, 0, 2)).Inversed();
-    EXPECT_FALSE(std::isfinite(inverse.m[5]));
+TEST(Matrix4Builders, ProjectionsTakeTheFrustumAndTheScreenToTheBox) {
+    Random random(46);
+    for (int i = 0; i < 300; ++i) {
+        const double fov = random(0.2f, 2.5f);
+        const double aspect = random(0.4f, 3);
+        const double n = random(0.1f, 5);
+        const double f = n + random(1, 500);
+        const Matrix4 m = Matrix4::Projection(Single(fov), Single(aspect), Single(n), Single(f));
+        const double z = n + random(0, 1) * (f - n);
+        const Vec share = random.Vector(1);
+        const double top = std::tan(fov / 2) * z;
+        // Depth is linear in 1 / z.
+        ExpectNear(Landing(m, {share.x * top * aspect, share.y * top, z}),
+                   {share.x, share.y, (1 / n - 1 / z) / (1 / n - 1 / f)}, 1e-4);
+    }
+    const Matrix4 m = Matrix4::orthogonal(800, 600, 2, 10);
+    ExpectNear(Landing(m, {0, 0, 2}), {-1, 1, 0}, 1e-6);
+    ExpectNear(Landing(m, {800, 600, 10}), {1, -1, 1}, 1e-6);
 }
 
 } // namespace
