@@ -57,7 +57,9 @@ TEST_F(Files, ThatAreNoneRaiseWhenReadAndStaySilentWhenWritten) {
     Save(mRoot + "long");
     fs::resize_file(mRoot + "long", (std::uintmax_t{1} << 32) + 5);
     fs::create_directory(mRoot + "sub");
-    for (const char* name : {"missing", "missing/file", "plain/beyond", "sub", "sub/", "long"}) {
+    fs::create_symlink("/dev/null", mRoot + "device");
+    for (const char* name :
+         {"missing", "missing/file", "plain/beyond", "sub", "sub/", "long", "device"}) {
         const std::string path = mRoot + name;
         char before = 'x';
         char* data = &before;

@@ -278,8 +278,8 @@ TEST(Color, OrderIsThatOfTheSums) {
     // The packed number of the first is far greater.
     EXPECT_TRUE(Color(200, 0, 0, 0) < Color(0, 0, 0, 201));
     EXPECT_TRUE(Color(300, -400, 0, 0) < Color(0, 0, -99, 0));
-    EXPECT_FALSE(Color(0, 255, 0, 0) < Color(0, 0, 0, 255));
-    EXPECT_FALSE(Color(0, 0, 0, 255) < Color(0, 255, 0, 0));
+    EXPECT_FALSE(Color(255, 0, 0, 0) < Color(0, 0, 0, 255));
+    EXPECT_FALSE(Color(0, 0, 0, 255) < Color(255, 0, 0, 0));
 }
 
 TEST(Vertex, AssignmentKeepsTheTargetsSkinningAndACopyDoesNot) {
