@@ -4,6 +4,7 @@
 // They stand in one source because only within a source the order of definition is that of
 // construction.
 #include "vorn/core/delta_clock.hpp"
+#include "vorn/physics/pair_walk.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/physics/physics_system.hpp"
 #include "vorn/render/emitter_cmpt.hpp"
@@ -27,5 +28,9 @@ template <>
 PhysicsSystem Singleton<PhysicsSystem>::mSingleton{};
 template <>
 EmitterSystem Singleton<EmitterSystem>::mSingleton{};
+
+// Bound to the tables of the system above.
+const CategoryTable* const PhysicsCmpt::mCatMap = PhysicsSystem::Instance()->CategoryMap();
+const VolumeTable* const PhysicsCmpt::mVolMap = PhysicsSystem::Instance()->VolumeMap();
 
 } // namespace Vorn

@@ -3,7 +3,10 @@
 
 namespace Vorn {
 
+class FunctorBase1;
+class PairWalk;
 class PhysicsCmpt;
 class PhysicsSystem;
+struct CollisionData;
 
 } // namespace Vorn

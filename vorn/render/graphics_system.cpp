@@ -10,7 +10,9 @@ void GraphicsSystem::Init() {
         cmpt->Init();
 }
 
-void GraphicsSystem::Update(float) {}
+void GraphicsSystem::Update(float) {
+    ClearLine();
+}
 
 void GraphicsSystem::Deinit() {
     for (GraphicsCmpt* cmpt : mCmpts.Cmpts())

@@ -3,6 +3,7 @@
 
 #include "vorn/core/data_error.hpp"
 #include "vorn/core/json.hpp"
+#include "vorn/physics/pair_walk.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/physics/physics_system.hpp"
 #include "vorn/render/emitter_cmpt.hpp"
@@ -145,6 +146,7 @@ Entity& Entity::operator=(const Entity& entity) {
     mParent = entity.mParent;
     mLocalPosition = entity.mLocalPosition;
     mRotationOffset = entity.mRotationOffset;
+    PairWalk::Touch(this);
     return *this;
 }
 
@@ -159,6 +161,7 @@ void Entity::DeserializeValue(const Json::Value& root, bool master) {
                                       "Position",     "Orientation", "Scale",
                                       "GraphicsCmpt", "PhysicsCmpt", "EmitterCmpt"};
     const auto members = JsonMembers(root, keys);
+    PairWalk::Touch(this);
     dsParam(mType, JsonString(members[0], keys[0], mType), master);
     dsParam(mVariant, JsonString(members[1], keys[1], mVariant), master);
     dsParam(mName, JsonString(members[2], keys[2], mName), master);
@@ -222,6 +225,7 @@ void Entity::Conform(const Entity* source) {
     assert(source && "an entity conforms to another entity");
     if (source == this)
         return;
+    PairWalk::Touch(this);
     mType = source->mType;
     mVariant = source->mVariant;
     mPosition = source->mPosition;
@@ -261,12 +265,28 @@ void Entity::TakeOver(const Entity& source) {
 
 void Entity::Position(const Vector3& position) {
     mPosition = position;
+    PairWalk::Touch(this);
     updateLocalPosition();
 }
 
 void Entity::LocalPosition(const Vector3& position) {
     mLocalPosition = position;
     updatePosition();
+}
+
+void Entity::Orientation(const Vector3& orientation) {
+    mOrientation = orientation;
+    PairWalk::Touch(this);
+}
+
+void Entity::Scale(float x, float y, float z) {
+    mScale = Vector3(x, y, z);
+    PairWalk::Touch(this);
+}
+
+void Entity::Angle(float angle) {
+    mAngle = angle;
+    PairWalk::Touch(this);
 }
 
 Matrix4 Entity::GetWorld() const {
@@ -280,6 +300,7 @@ Matrix4 Entity::GetWorld() const {
 
 void Entity::updatePosition() {
     mPosition = mParent ? mParent->mPosition + mLocalPosition : mLocalPosition;
+    PairWalk::Touch(this);
 }
 
 void Entity::updateLocalPosition() {

@@ -106,16 +106,16 @@ public:
     /// The direction that the entity's Z axis is turned to; see GetWorld.
     const Vector3& Orientation() const { return mOrientation; }
     void Orientation(float x, float y, float z) { Orientation(Vector3(x, y, z)); }
-    void Orientation(const Vector3& orientation) { mOrientation = orientation; }
+    void Orientation(const Vector3& orientation);
     /// For whoever draws the entity; GetWorld does not use it.
     const Vector3& RotationOffset() const { return mRotationOffset; }
     void RotationOffset(float x, float y, float z) { RotationOffset(Vector3(x, y, z)); }
     void RotationOffset(const Vector3& offset) { mRotationOffset = offset; }
     const Vector3& Scale() const { return mScale; }
-    void Scale(float x, float y, float z) { mScale = Vector3(x, y, z); }
+    void Scale(float x, float y, float z);
     /// Spin about the orientation (unit: radians).
     float Angle() const { return mAngle; }
-    void Angle(float angle) { mAngle = angle; }
+    void Angle(float angle);
 
     /// The parent passes on its position, no rotation and no scale. Setting it recomputes nothing:
     /// at the next update the entity stands at the parent's position plus its own local one. Not
@@ -156,6 +156,7 @@ protected:
 
 private:
     friend class Vorn::Scene; // keeps mScene and mPlace
+    friend class PairWalk;    // keeps mBody
 
     /// Where scenes list the entity, so that one leaves its scene without a search. Known while a
     /// single scene lists it a single time; bound to the object, like the flags.
@@ -204,6 +205,7 @@ private:
     Vorn::Scene* mScene = nullptr;
     Place mPlace;
     bool mRegistersNew = false;
+    unsigned int mBody = 0; // where a walk over pairs keeps what it knows of the entity
     MasterFlags mMasterFlags;
     std::string mType;
     std::string mVariant = "master";

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+//
+// Below the pair walk: the bounds of the bodies of one volume type, which answers whom a body may
+// meet. Every answer is a superset, at little more than its own cost.
+//
+// Bounds stand in five arrays, of which a scan takes four bodies at a time. Few bodies are scanned
+// for each question. Of many, those of common size are sorted into cells of a grid, hashed so that
+// the world has no edge, where cells that follow each other along X lie side by side in memory; the
+// others, and those that have moved since, are scanned.
+#pragma once
+
+#include "vorn/math/box_shape.hpp"
+#include "vorn/math/vector3.hpp"
+
+#include <cstddef>
+#include <vector>
+
+namespace Vorn {
+
+/// A sphere about a body that holds all of it, rounding included. An infinite reach meets all.
+struct Bounds {
+    Vector3 center;
+    float reach = 0.0f;
+};
+
+class BodyGroup {
+public:
+    using Id = int;
+
+    void Clear();
+    /// Ids ascend from call to call.
+    void Add(Id id, const Bounds& bounds);
+    /// Call after the last Add.
+    void Build();
+
+    /// The bounds of a body that has moved. `index` counts the calls of Add.
+    void Move(int index, const Bounds& bounds);
+
+    /// Appends the ids from `from` on, of bodies whose spheres meet the sphere, ascending.
+    void MeetSphere(const Bounds& sphere, int index, Id from, std::vector<Id>& out);
+    /// The same for those that no face of the box keeps off. Its normals need not be of length 1;
+    /// `bounds` are the box's own.
+    void MeetBox(const BoxShape& box, const Bounds& bounds, int index, Id from,
+                 std::vector<Id>& out);
+
+    /// All of them, ascending.
+    const Id* begin() const { return mAll.id.data(); }
+    const Id* end() const { return begin() + mAll.Size(); }
+
+private:
+    /// Bounds side by side, with room behind the last for a step of four.
+    class Lanes {
+    public:
+        std::vector<float> x, y, z, reach;
+        std::vector<Id> id;
+
+        std::size_t Size() const { return mSize; }
+        void Resize(std::size_t size);
+        void Push(Id body, const Bounds& bounds);
+        void Set(std::size_t at, Id body, const Bounds& bounds);
+        Bounds At(std::size_t at) const { return {{x[at], y[at], z[at]}, reach[at]}; }
+
+    private:
+        std::size_t mSize = 0;
+    };
+    struct Cell {
+        int x, y, z;
+    };
+
+    /// Where the centres of common bodies that a question may meet stand.
+    struct Region {
+        Vector3 center;
+        Vector3 half;
+    };
+
+    template <typename Test>
+    void meet(const Test& test, const Region* region, int index, Id from, std::vector<Id>& out);
+    template <typename Test>
+    bool meetInGrid(const Test& test, const Region& region, std::size_t scanCost, Id from,
+                    std::vector<Id>& out) const;
+    bool chooseCell();
+    void sortIntoCells();
+    bool isCommon(const Bounds& bounds) const;
+    Cell cellOf(const Vector3& point) const;
+    unsigned int rowOf(int y, int z) const;
+
+    Lanes mAll;     // in the order of their ids
+    Lanes mSorted;  // in the grid, cell by cell
+    Lanes mOutside; // not in the grid, or not where they stand in it
+
+    bool mGrid = false;
+    float mCell = 1.0f;        // edge of a cell
+    float mCommonReach = 0.0f; // no body in the grid reaches further
+    std::size_t mMaxOutside = 0;
+    std::vector<int> mBucketStart;  // of each bucket, in mSorted; one more behind the last
+    std::vector<int> mBucket;       // of each body, -1 outside
+    std::vector<int> mOutsideIndex; // of each body, -1 while it stands in the grid only
+    std::vector<float> mSample;
+};
+
+} // namespace Vorn

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: MIT
+#include "vorn/physics/pair_walk.hpp"
+
+#include "vorn/math/intersection.hpp"
+#include "vorn/physics/physics_cmpt.hpp"
+#include "vorn/scene/entity.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <numeric>
+
+namespace Vorn {
+
+PairWalk* PairWalk::sRunning = nullptr;
+
+void PairWalk::Run(const std::list<PhysicsCmpt*>& cmpts) {
+    struct Entered {
+        PairWalk& walk;
+        explicit Entered(PairWalk& w) : walk(w) { walk.mOuter = std::exchange(sRunning, &walk); }
+        Entered(const Entered&) = delete;
+        Entered& operator=(const Entered&) = delete;
+        ~Entered() {
+            sRunning = walk.mOuter;
+            // What this walk was told, the outer one was not.
+            if (sRunning)
+                sRunning->touchAll();
+        }
+    } entered(*this);
+
+    gather(cmpts);
+    for (Id i = 0; i < count(); ++i)
+        walkRow(i);
+}
+
+void PairWalk::Forget(const PhysicsCmpt* cmpt) {
+    for (PairWalk* walk = sRunning; walk; walk = walk->mOuter)
+        for (Body& body : walk->mBodies)
+            if (body.cmpt == cmpt) {
+                body.cmpt = nullptr;
+                body.kind = Kind::None;
+            }
+}
+
+void PairWalk::Append(const PhysicsSystem* system, PhysicsCmpt* cmpt) {
+    for (PairWalk* walk = sRunning; walk; walk = walk->mOuter) {
+        if (walk->mSystem != system)
+            continue;
+        const Id id = walk->add(cmpt);
+        walk->body(id).stray = true;
+        walk->mStrays.push_back(id);
+        walk->markTouched(id);
+    }
+}
+
+void PairWalk::gather(const std::list<PhysicsCmpt*>& cmpts) {
+    mBodies.clear();
+    mBoxes.Clear();
+    mSpheres.Clear();
+    for (std::vector<Id>* ids : {&mDynamicBoxes, &mDynamicSpheres, &mStrays, &mTouched})
+        ids->clear();
+
+    for (PhysicsCmpt* cmpt : cmpts) {
+        const Id id = add(cmpt);
+        Body& added = body(id);
+        read(added);
+        if (added.dynamic && added.kind != Kind::None)
+            (added.kind == Kind::Box ? mDynamicBoxes : mDynamicSpheres).push_back(id);
+    }
+    int boxes = 0, spheres = 0;
+    for (Id id = 0; id < count(); ++id) {
+        Body& added = body(id);
+        if (added.kind == Kind::None)
+            continue;
+        added.index = added.kind == Kind::Box ? boxes++ : spheres++;
+        groupOf(added).Add(id, boundsOf(added));
+    }
+    mShapes.resize(static_cast<std::size_t>(boxes));
+    mBoxes.Build();
+    mSpheres.Build();
+}
+
+PairWalk::Id PairWalk::add(PhysicsCmpt* cmpt) {
+    Body& added = mBodies.emplace_back();
+    added.cmpt = cmpt;
+    added.entity = cmpt->Parent();
+    link(count() - 1);
+    return count() - 1;
+}
+
+// Each entity knows one of its bodies, and that one the others: a component may be registered
+// twice, and an entity may have more than the one that it owns.
+void PairWalk::link(Id id) {
+    Body& linked = body(id);
+    linked.next = -1;
+    if (!linked.entity)
+        return;
+    const auto known = static_cast<Id>(linked.entity->mBody);
+    if (known < id && body(known).entity == linked.entity)
+        linked.next = std::exchange(body(known).next, id);
+    else
+        linked.entity->mBody = static_cast<unsigned int>(id);
+}
+
+void PairWalk::read(Body& body) const {
+    body.touched = false;
+    body.shaped = false;
+    body.kind = Kind::None;
+    if (!body.cmpt || !body.entity)
+        return;
+    const PhysicsCmpt& cmpt = *body.cmpt;
+    if (cmpt.mVolumeType == BoxVolume)
+        body.kind = Kind::Box;
+    else if (cmpt.mVolumeType == SphereVolume)
+        body.kind = Kind::Sphere;
+    body.dynamic = cmpt.mDynamicCheck;
+    body.mask = cmpt.mMask;
+    body.category = cmpt.mCategory;
+    body.velocity = cmpt.mLinearVelocity;
+    body.sphere = cmpt.BoundingSphere();
+}
+
+// Wide enough for all that rounding does to corners and distances. A sphere that may be swept
+// reaches as far as it flies.
+Bounds PairWalk::boundsOf(const Body& body) const {
+    const Vector3& c = body.sphere.center;
+    float reach = body.sphere.radius * 1.0001f;
+    if (body.kind == Kind::Sphere && !mDynamicSpheres.empty())
+        reach += body.velocity.Length() * 1.0001f;
+    reach += 0.000002f * (std::abs(c.x) + std::abs(c.y) + std::abs(c.z));
+    return {c, std::isfinite(reach) ? reach : std::numeric_limits<float>::infinity()};
+}
+
+const BoxShape& PairWalk::shapeOf(Id id) {
+    Body& box = body(id);
+    // The shapes of strays are needed two at a time, and kept no longer.
+    BoxShape& shape = box.stray ? mStrayShapes[mLastStrayShape ^= 1]
+                                : mShapes[static_cast<std::size_t>(box.index)];
+    if (!box.shaped || box.stray) {
+        SetCorners(shape, box.cmpt->boxTransform(), box.cmpt->size());
+        SetNormals(shape);
+        Project(shape, shape, shape.low, shape.high);
+        box.shaped = true;
+    }
+    return shape;
+}
+
+BodyGroup& PairWalk::groupOf(const Body& body) {
+    return body.kind == Kind::Box ? mBoxes : mSpheres;
+}
+
+void PairWalk::walkRow(Id i) {
+    findCandidates(i, i + 1);
+    // Nothing of the game runs before the first hit, so life is read there as at the row's start.
+    bool knownAlive = false;
+    for (std::size_t cursor = 0; cursor < mCandidates.size();) {
+        const Id j = mCandidates[cursor++];
+        if (!hits(i, j))
+            continue;
+        if (!knownAlive && !body(i).entity->IsAlive())
+            return;
+        knownAlive = true;
+        if (!body(j).entity->IsAlive())
+            continue;
+        report(i, j);
+        if (!mTouched.empty())
+            cursor = settle(i, j, cursor);
+    }
+}
+
+// The bodies from `from` on that body i may meet.
+void PairWalk::findCandidates(Id i, Id from) {
+    mCandidates.clear();
+    const Body& a = body(i);
+    if (a.kind == Kind::None)
+        return;
+    if (a.stray) {
+        mCandidates.resize(static_cast<std::size_t>(std::max(count() - from, 0)));
+        std::iota(mCandidates.begin(), mCandidates.end(), from);
+        return;
+    }
+    if (a.kind == Kind::Sphere)
+        mSpheres.MeetSphere(boundsOf(a), a.index, from, mCandidates);
+    else if (!a.dynamic)
+        mBoxes.MeetBox(shapeOf(i), boundsOf(a), a.index, from, mCandidates);
+
+    const BodyGroup& others = a.kind == Kind::Sphere ? mBoxes : mSpheres;
+    const std::vector<Id>& swept = a.kind == Kind::Sphere ? mDynamicBoxes : mDynamicSpheres;
+    if (a.dynamic)
+        addCandidates(others.begin(), others.end(), from);
+    else
+        addCandidates(swept.data(), swept.data() + swept.size(), from);
+    addCandidates(mStrays.data(), mStrays.data() + mStrays.size(), from);
+}
+
+void PairWalk::addCandidates(const Id* begin, const Id* end, Id from) {
+    begin = std::lower_bound(begin, end, from);
+    if (begin == end)
+        return;
+    mMerged.clear();
+    std::set_union(mCandidates.begin(), mCandidates.end(), begin, end, std::back_inserter(mMerged));
+    mCandidates.swap(mMerged);
+}
+
+bool PairWalk::hits(Id i, Id j) {
+    const Body& a = body(i);
+    const Body& b = body(j);
+    if ((a.mask & b.category).any() || a.kind == Kind::None || b.kind == Kind::None)
+        return false;
+    const bool dynamic = a.dynamic || b.dynamic;
+    if (a.kind == Kind::Sphere && b.kind == Kind::Sphere)
+        return dynamic ? DynamicSphereToSphere(a.sphere, a.velocity, b.sphere, b.velocity)
+                       : SphereSphere(a.sphere, b.sphere);
+    if (a.kind == Kind::Box && b.kind == Kind::Box)
+        return !dynamic && Overlap(shapeOf(i), shapeOf(j));
+    if (!dynamic)
+        return false;
+    return a.kind == Kind::Sphere
+               ? SphereReachesFaces(a.sphere, a.velocity - b.velocity, shapeOf(j))
+               : SphereReachesFaces(b.sphere, b.velocity - a.velocity, shapeOf(i));
+}
+
+void PairWalk::report(Id i, Id j) {
+    CollisionData data{body(j).cmpt};
+    body(i).cmpt->HandleCollision(&data);
+    // The first call may have taken either away, against the rule.
+    if (!body(i).cmpt || !body(j).cmpt)
+        return;
+    data.other = body(i).cmpt;
+    body(j).cmpt->HandleCollision(&data);
+}
+
+// Takes in what a functor has changed. Answers where the row goes on.
+std::size_t PairWalk::settle(Id i, Id j, std::size_t cursor) {
+    bool rowMoved = false;
+    // By index: reading a body anew touches none, but a list that grows may move.
+    for (std::size_t k = 0; k < mTouched.size(); ++k) {
+        const Id id = mTouched[k];
+        const bool moved = refresh(id);
+        rowMoved = rowMoved || (moved && id == i);
+        if (!moved || id <= j)
+            continue;
+        const auto rest = mCandidates.begin() + static_cast<std::ptrdiff_t>(cursor);
+        const auto place = std::lower_bound(rest, mCandidates.end(), id);
+        if (place == mCandidates.end() || *place != id)
+            mCandidates.insert(place, id);
+    }
+    mTouched.clear();
+    if (!rowMoved)
+        return cursor;
+    findCandidates(i, j + 1);
+    return 0;
+}
+
+// True if whom the body may meet has changed.
+bool PairWalk::refresh(Id id) {
+    Body& changed = body(id);
+    const Kind kind = changed.kind;
+    const bool dynamic = changed.dynamic;
+    const Bounds before = boundsOf(changed);
+    read(changed);
+    if (changed.stray)
+        return true;
+    if (changed.kind != kind || changed.dynamic != dynamic) {
+        changed.stray = true;
+        mStrays.insert(std::upper_bound(mStrays.begin(), mStrays.end(), id), id);
+        return true;
+    }
+    if (kind == Kind::None)
+        return false;
+    const Bounds after = boundsOf(changed);
+    if (!(before.center == after.center && before.reach == after.reach))
+        groupOf(changed).Move(changed.index, after);
+    // A box may have turned about its centre.
+    return kind == Kind::Box || !(before.center == after.center && before.reach == after.reach);
+}
+
+void PairWalk::touch(const Entity* entity) {
+    const auto first = static_cast<Id>(entity->mBody);
+    if (first >= count() || body(first).entity != entity)
+        return;
+    for (Id id = first; id >= 0; id = body(id).next)
+        markTouched(id);
+}
+
+void PairWalk::touchAll() {
+    for (Id id = 0; id < count(); ++id) {
+        link(id);
+        markTouched(id);
+    }
+}
+
+void PairWalk::markTouched(Id id) {
+    if (std::exchange(body(id).touched, true))
+        return;
+    mTouched.push_back(id);
+}
+
+} // namespace Vorn
