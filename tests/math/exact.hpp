@@ -49,6 +49,9 @@ V To(const Vec& v) {
 inline Vec operator+(const Vec& a, const Vec& b) {
     return {a.x + b.x, a.y + b.y, a.z + b.z, a.w + b.w};
 }
+inline Vec operator-(const Vec& a, const Vec& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z, a.w - b.w};
+}
 inline Vec operator*(double f, const Vec& v) {
     return {f * v.x, f * v.y, f * v.z, f * v.w};
 }
@@ -102,6 +105,9 @@ public:
     double operator()(float low, float high) {
         return static_cast<double>(std::uniform_real_distribution<float>(low, high)(mEngine));
     }
+    float Float(float low, float high) { return Single((*this)(low, high)); }
+    int Int(int low, int high) { return std::uniform_int_distribution<int>(low, high)(mEngine); }
+    Vorn::Vector3 Place(float reach) { return To(Vector(reach)); }
     Vec Vector(float reach) {
         const double x = (*this)(-reach, reach);
         const double y = (*this)(-reach, reach);
@@ -134,6 +140,9 @@ inline void ExpectNear(const Vec& actual, const Vec& expected, double tolerance)
     EXPECT_NEAR(actual.y, expected.y, tolerance);
     EXPECT_NEAR(actual.z, expected.z, tolerance);
     EXPECT_NEAR(actual.w, expected.w, tolerance);
+}
+inline void ExpectNear(const Vorn::Vector3& actual, const Vec& expected, double tolerance) {
+    ExpectNear(Of(actual), expected, tolerance);
 }
 
 } // namespace Exact

@@ -47,8 +47,8 @@ struct Box {
     Vec center;
 
     Box(Random& random, float reach, bool flat = false)
-        : box(Matrix4::Translation(random.Vector(reach)) * Matrix4::RotationEuler(random.Vector(4)),
-              random.Vector(3.5f) + Vector3(4, 4, 4)) {
+        : box(Matrix4::Translation(random.Place(reach)) * Matrix4::RotationEuler(random.Place(4)),
+              random.Place(3.5f) + Vector3(4, 4, 4)) {
         if (flat)
             box = OBB(box.transform, Vector3(box.extents.x, 0, box.extents.z));
         const Matrix4& m = box.transform;
@@ -67,15 +67,15 @@ struct Side {
 constexpr Side Sides[] = {{0, -1}, {0, 1}, {2, -1}, {2, 1}, {1, 1}, {1, -1}};
 
 Sphere RandomSphere(Random& random, float reach, float radius) {
-    const Vector3 center = random.Vector(reach);
+    const Vector3 center = random.Place(reach);
     return {center, random.Float(0.1f, radius)};
 }
 
 /// From somewhere towards a point near `target`, or right away from it.
 Ray RayAbout(Random& random, const Vec& target, float spread) {
-    const Vector3 origin = random.Vector(10);
-    const Vec to = target + Of(random.Vector(spread)) - Of(origin);
-    return {origin, ToVector3((random.Int(0, 3) == 0 ? -1.0 : 1.0) * Unit(to))};
+    const Vector3 origin = random.Place(10);
+    const Vec to = target + Of(random.Place(spread)) - Of(origin);
+    return {origin, To((random.Int(0, 3) == 0 ? -1.0 : 1.0) * Unit(to))};
 }
 
 TEST(Intersection, VolumesThatTouchOnWholeNumbersAreHit) {
@@ -260,7 +260,7 @@ TEST(Intersection, SweptSpheresMeetPlanesAndTheEndlessPlanesOfBoxes) {
     for (int run = 0; run < 2000; ++run) {
         const Box box(random, 3);
         const Sphere sphere = RandomSphere(random, 15, 0.6f);
-        const Vector3 vSphere = random.Vector(3), vBox = random.Vector(3), move = vSphere - vBox;
+        const Vector3 vSphere = random.Place(3), vBox = random.Place(3), move = vSphere - vBox;
         const Triple gap = box.Local(Of(sphere.center) - box.center), way = box.Local(Of(move));
         const double r = Wide(sphere.radius);
         FlatPlane faces[6];
@@ -304,7 +304,7 @@ TEST(Intersection, SweptSpheresMeetEachOtherWithinTheSpan) {
     Answers apart, overlapping;
     for (int run = 0; run < 6000; ++run) {
         const Sphere a = RandomSphere(random, 6, 3), b = RandomSphere(random, 6, 3);
-        const Vector3 va = random.Vector(5), vb = random.Vector(5);
+        const Vector3 va = random.Place(5), vb = random.Place(5);
         const Vec move = Of(va) - Of(vb), w = Of(b.center) - Of(a.center);
         const double reach = Wide(a.radius) + Wide(b.radius),
                      closing = Dot(w, move) / Dot(move, move);
@@ -342,8 +342,8 @@ TEST(Intersection, SweptAxisAlignedBoxesMeetWithinFifteenSpans) {
     Answers answers;
     const Vector3 halfA(1, 1.5f, 2), halfB(3, 2.5f, 2);
     for (int run = 0; run < 1500; ++run) {
-        const Vector3 a = random.Vector(15), b = random.Vector(15);
-        const Vector3 va = random.Vector(1.5f), vb = random.Vector(1.5f);
+        const Vector3 a = random.Place(15), b = random.Place(15);
+        const Vector3 va = random.Place(1.5f), vb = random.Place(1.5f);
         const Vec gap = Of(b) - Of(a), v = Of(vb) - Of(va);
         const bool tight = BoxesMeet({gap.x, gap.y, gap.z}, {v.x, v.y, v.z}, 3.95);
         const bool wide = BoxesMeet({gap.x, gap.y, gap.z}, {v.x, v.y, v.z}, 4.05);

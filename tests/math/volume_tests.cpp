@@ -21,7 +21,7 @@ constexpr Vec Outward[6] = {{-1, 0, 0}, {1, 0, 0}, {0, 0, -1}, {0, 0, 1}, {0, 1,
 
 /// The block of `m` times `v`, without the translation.
 Vec Turned(const Matrix4& m, const Vec& v) {
-    return Apply(Of(m), v, 0).v;
+    return Apply(m, v);
 }
 
 Vec Corner(std::size_t i, const Vec& center, const Matrix4& turn, const Vec& half) {
@@ -30,8 +30,8 @@ Vec Corner(std::size_t i, const Vec& center, const Matrix4& turn, const Vec& hal
 }
 
 OBB RigidBox(Random& random) {
-    const Matrix4 turn = Matrix4::RotationEuler(random.Vector(4));
-    return {Matrix4::Translation(random.Vector(9)) * turn, random.Vector(4) + Vector3(5, 5, 5)};
+    const Matrix4 turn = Matrix4::RotationEuler(random.Place(4));
+    return {Matrix4::Translation(random.Place(9)) * turn, random.Place(4) + Vector3(5, 5, 5)};
 }
 
 TEST(Volumes, CornersAndFacesFollowTheirNumberingUnderAnyMatrix) {
@@ -39,7 +39,7 @@ TEST(Volumes, CornersAndFacesFollowTheirNumberingUnderAnyMatrix) {
     for (int run = 0; run < 500; ++run) {
         Matrix4 transform = random.Matrix(3); // scaled, sheared and mirrored
         std::copy_n(Matrix4::Identity.m + 12, 4, transform.m + 12);
-        const OBB box(transform, random.Vector(5));
+        const OBB box(transform, random.Place(5));
         const Vector3 center(transform.m[3], transform.m[7], transform.m[11]);
         EXPECT_EQ(box.Position(), center);
         Vector3 vertices[8], basis[3];
@@ -103,10 +103,10 @@ TEST(Volumes, TheClosestPointLiesOnTheBoxAndNoneIsCloser) {
     Random random(23);
     for (int run = 0; run < 300; ++run) {
         const OBB box = RigidBox(random);
-        const Vector3 p = random.Vector(15), closest = box.ClosestPoint(p);
+        const Vector3 p = random.Place(15), closest = box.ClosestPoint(p);
         ExpectNear(box.ClosestPoint(closest), Of(closest), 1e-4);
         for (int sample = 0; sample < 100; ++sample) {
-            const Vec at = Of(random.Vector(0.5f)), edges = Of(box.extents);
+            const Vec at = Of(random.Place(0.5f)), edges = Of(box.extents);
             const Vec other = Corner(6, Of(box.Position()), box.transform,
                                      {edges.x * at.x, edges.y * at.y, edges.z * at.z});
             EXPECT_GE(Length(other - Of(p)), Length(Of(closest) - Of(p)) - 1e-4);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/core/temp_folder.hpp"
 #include "tests/entity/layer_twin.hpp"
 #include "tests/math/exact.hpp"
+#include "tests/support/temp_folder.hpp"
 #include "vorn/vorn.hpp"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ const std::string NoKey = "invalid unordered_map<K, T> key";
 const std::string NotConvertible = "Type is not convertible to ";
 
 void Load(PhysicsSystem& system, const std::string& text) {
-    const CoreTests::TempFolder folder;
+    const Tests::TempFolder folder;
     system.LoadPhysicsInfo(folder.File("physics.json", text));
 }
 
@@ -236,7 +236,7 @@ void ExpectVolumes(Entity& entity) {
     PhysicsCmpt& cmpt = *entity.Physics();
     const Vector3 s = entity.Scale(), f = cmpt.ScaleFactor();
     const Vec center = Of(entity.Position()),
-              half = Of(s.x * f.x / 2, s.y * f.y / 2, s.z * f.z / 2);
+              half = Of(Vector3(s.x * f.x / 2, s.y * f.y / 2, s.z * f.z / 2));
     ExpectNear(cmpt.BoundingAABB().center, center, 0);
     ExpectNear(cmpt.BoundingAABB().halfExtents, half, 1e-5);
     ExpectNear(cmpt.BoundingSphere().center, center, 0);
@@ -265,13 +265,13 @@ TEST_F(PhysicsCmptData, VolumesFollowTheEntityAtOnce) {
     mEntity.Parent(&parent);
     mEntity.Orientation(0, 0, 1);
     for (int step = 0; step < 1000 && !HasFailure(); ++step) {
-        const Vector3 v = random.Vector(2);
+        const Vector3 v = random.Place(2);
         const int change = random.Int(0, 6);
         SCOPED_TRACE(change);
         if (change == 0)
             mEntity.Position(v);
         else if (change == 1)
-            mEntity.Orientation(ToVector3(3 * random.Axis()));
+            mEntity.Orientation(To(3 * random.Axis()));
         else if (change == 2)
             mEntity.Angle(v.x);
         else if (change == 3)

@@ -118,11 +118,11 @@ Motion MotionOf(PhysicsCmpt& body) {
 }
 
 void SetMotion(PhysicsCmpt& body, Random& random) {
-    body.Force(random.Vector(50));
-    body.FinalForce(random.Vector(9));
-    body.LinearAcceleration(random.Vector(9));
-    body.LinearVelocity(random.Vector(2));
-    body.AngularVelocity(random.Vector(9));
+    body.Force(random.Place(50));
+    body.FinalForce(random.Place(9));
+    body.LinearAcceleration(random.Place(9));
+    body.LinearVelocity(random.Place(2));
+    body.AngularVelocity(random.Place(9));
 }
 
 /// The law of motion, the plain way.
@@ -151,7 +151,7 @@ TEST_F(PhysicsSteps, LiveBodiesFollowTheLawAndOthersKeepTheirState) {
         for (const auto& entity : mWorld.entities) {
             PhysicsCmpt& body = *entity->Physics();
             if (random.Int(0, 2) == 0)
-                body.Force(random.Vector(50));
+                body.Force(random.Place(50));
             if (random.Int(0, 9) == 0) {
                 SetMotion(body, random);
                 body.Mass(random.Float(0.2f, 5));
@@ -164,7 +164,7 @@ TEST_F(PhysicsSteps, LiveBodiesFollowTheLawAndOthersKeepTheirState) {
             for (int pass = expected.size() > 1; entity->IsAlive() && pass < 2; ++pass)
                 Integrate(motion, body.Mass(), body.Drag(), entity->Scale().Length());
         }
-        parent.Position(random.Vector(9));
+        parent.Position(random.Place(9));
         mSystem.Update(random.Float(0.02f, 2)); // a step is as long as a step, whatever the frame
         for (std::size_t i = 0; i < 4; ++i)
             for (std::size_t field = 0; field < 6; ++field) {
@@ -267,7 +267,7 @@ void Disturb(World& world, Random& random) {
     Entity& e = *world.entities[any()];
     Entity& other = *world.entities[any()];
     PhysicsCmpt& body = *e.Physics();
-    const Vector3 far = random.Vector(20), near = random.Vector(3);
+    const Vector3 far = random.Place(20), near = random.Place(3);
     const int dice = random.Int(0, 8);
     const char* const masks[] = {"A", "A", "A", "ALL - B", "", "", "", "", ""};
     const char* const categories[] = {"A", "A", "A", "B", "B", "B", "NONE", "NONE", "NONE"};
@@ -298,7 +298,7 @@ TEST_F(PhysicsSteps, TheWalkIsThatOverAllPairsWhateverFunctorsChangeInIt) {
         Random randoms[2] = {Random(run), Random(run)};
         for (std::size_t w = 0; w < 2; ++w) {
             for (int i = 0; i < 40; ++i)
-                worlds[w].Add(1 + i % 2, randoms[w].Vector(20));
+                worlds[w].Add(1 + i % 2, randoms[w].Place(20));
             for (int i = 0; i < 150; ++i)
                 Disturb(worlds[w], randoms[w]);
             if (run % 4) // in every fourth run nothing changes in the walk

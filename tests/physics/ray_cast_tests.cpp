@@ -41,20 +41,20 @@ protected:
 TEST_F(RayCasts, FromAnObjectFindWhatAPlainSearchFinds) {
     Exact::Random random(71);
     for (int run = 0; run < 300; ++run) {
-        Entity& caster = Add(random.Vector(5));
+        Entity& caster = Add(random.Place(5));
         caster.Physics()->Mask("A");
-        const Vector3 direction = Exact::ToVector3(random.Axis());
+        const Vector3 direction = Exact::To(random.Axis());
         const float minimum = random.Float(-1, 5);
         Entities list, hits = {&mNobody}, expected = hits;
         float best = 1e9f, t = 0;
         for (int i = 0; i < run % 30; ++i) {
-            Entity& entity = *list.emplace_back(&Add(random.Vector(15), random.Int(0, 5) > 0));
+            Entity& entity = *list.emplace_back(&Add(random.Place(15), random.Int(0, 5) > 0));
             entity.Alive(random.Int(0, 5) > 0);
             entity.Scale(random.Float(0, 6), random.Float(0, 6), 1);
             if (!entity.Physics())
                 continue;
             entity.Physics()->Category(random.Int(0, 4) ? "B" : "A");
-            entity.Physics()->ScaleFactor(random.Vector(2));
+            entity.Physics()->ScaleFactor(random.Place(2));
             Vorn::Sphere sphere = entity.Physics()->BoundingSphere();
             sphere.radius += caster.Physics()->BoundingSphere().radius;
             if (!entity.IsAlive() || entity.Physics()->Category() == 2 ||

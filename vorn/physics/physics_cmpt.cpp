@@ -29,6 +29,9 @@ Vector3 ReadScaleFactor(const Json::Value& object) {
 
 } // namespace
 
+// Out of line, so that the library holds the one type.
+FunctorBase1::~FunctorBase1() = default;
+
 PhysicsCmpt& PhysicsCmpt::operator=(const PhysicsCmpt& source) {
     BaseCmpt::operator=(source);
     copyTraits(source);
