@@ -17,18 +17,29 @@ namespace Vorn {
 
 namespace {
 
-// Serves the requests in order, those too that come up meanwhile.
-template <typename Serve>
-void ServeRequests(std::vector<Entity*>& requests, Serve serve) {
-    std::size_t served = 0;
-    try {
-        while (served < requests.size())
-            serve(requests[served++]);
-    } catch (...) {
-        requests.erase(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(served));
-        throw;
+// Requests that were served are off their list when the update ends, however it ends.
+class Requests {
+public:
+    explicit Requests(std::vector<Entity*>& list) : mList(list) {}
+    Requests(const Requests&) = delete;
+    Requests& operator=(const Requests&) = delete;
+    ~Requests() {
+        const auto served = static_cast<std::ptrdiff_t>(std::min(mServed, mList.size()));
+        mList.erase(mList.begin(), mList.begin() + served);
     }
-}
+
+    // In order, those too that come up meanwhile.
+    template <typename ServeOne>
+    void Serve(ServeOne serveOne) {
+        while (mServed < mList.size())
+            serveOne(mList[mServed++]);
+    }
+    void DropLate() { mServed = mList.size(); }
+
+private:
+    std::vector<Entity*>& mList;
+    std::size_t mServed = 0;
+};
 
 // Whatever the entity's last words raise, it goes back to its pool.
 template <typename LastWords>
@@ -150,12 +161,14 @@ void Scene::Init() {
 void Scene::Update(float dt) {
     walk([dt](Entity* entity) { entity->Update(dt); });
 
-    ServeRequests(mToAdd, [this](Entity* entity) { AddEntity(entity, true); });
-    ServeRequests(mToRemove, [this](Entity* entity) { RemoveEntity(entity, true); });
-    ServeRequests(mToDestroy, [this](Entity* entity) { DestroyEntity(entity, true); });
-    mToAdd.clear();
-    mToRemove.clear();
-    mToDestroy.clear();
+    Requests toAdd(mToAdd);
+    Requests toRemove(mToRemove);
+    Requests toDestroy(mToDestroy);
+    toAdd.Serve([this](Entity* entity) { AddEntity(entity, true); });
+    toRemove.Serve([this](Entity* entity) { RemoveEntity(entity, true); });
+    toDestroy.Serve([this](Entity* entity) { DestroyEntity(entity, true); });
+    toAdd.DropLate();
+    toRemove.DropLate();
 }
 
 void Scene::Deinit() {

@@ -66,7 +66,8 @@ public:
     /// `Update` of each entity in the order of the list, then the deferred requests: first those to
     /// add, then to remove, then to destroy, each list in the order of the requests. A request put
     /// on a list that is being served is served; one put on a list that was served already is
-    /// dropped. A request is off its list when it is served, also if serving it raises.
+    /// dropped at the end. If an exception leaves Update, the requests that were served are off
+    /// their lists, the one that raised too, and the others wait for the next Update.
     virtual void Update(float dt);
     /// `Deinit` of each entity and its way back to its pool; then the list is empty. Waiting
     /// requests stay. If an entity raises, it and those before it are out of the scene, and a
