@@ -3,6 +3,8 @@
 // Rules that were broken once.
 #include "scene_world.hpp"
 
+#include <optional>
+
 namespace {
 
 using namespace SceneTests;
@@ -23,6 +25,17 @@ TEST_F(Regression, RequestsOfAListThatWasServedAreOffItWhenALaterListRaises) {
     EXPECT_THROW(scene.Update(1.0f), std::runtime_error);
     scene.Update(1.0f);
     EXPECT_EQ(Names(scene), (Log{"added"}));
+}
+
+TEST_F(Regression, AnEntityOfADeadSceneMeansNothingToANewOneAtItsAddress) {
+    Vorn::Entity* entity = Make("a");
+    std::optional<Vorn::Scene> scene(std::in_place);
+    scene->AddEntity(entity, true);
+    scene.emplace();
+    scene->RemoveEntity(entity, true);
+    scene->AddEntity(entity, true);
+    scene->RemoveEntity(entity, true);
+    EXPECT_TRUE(scene->EntityList().empty());
 }
 
 } // namespace

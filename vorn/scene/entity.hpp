@@ -28,6 +28,7 @@
 
 #include <json/value.h>
 
+#include <cstdint>
 #include <list>
 #include <string>
 #include <string_view>
@@ -157,13 +158,14 @@ protected:
 private:
     friend class Vorn::Scene; // keeps mScene and mPlace
 
-    /// Where scenes list the entity, so that one leaves its scene without a search. Known while a
-    /// single scene lists it a single time; bound to the object, like the flags.
+    /// Where the entity is listed, so that it leaves its scene without a search: the serial number
+    /// of the one scene that lists it, a single time, and its entry there. Once it was listed a
+    /// second time its place stays unknown. Bound to the object, like the flags.
     struct Place {
-        static constexpr unsigned int Unknown = ~0u;
-        const Vorn::Scene* scene = nullptr;
+        static constexpr std::uint64_t Nowhere = 0;
+        static constexpr std::uint64_t Unknown = ~Nowhere;
+        std::uint64_t scene = Nowhere;
         std::list<Entity*>::iterator entry;
-        unsigned int times = 0;
     };
 
     /// A component and whether this entity owns it: an assigned entity only shares its source's.

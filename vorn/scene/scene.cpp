@@ -53,6 +53,11 @@ void ThenReturn(Entity* entity, LastWords lastWords) {
     EntityFactory::Instance()->ReturnEntity(entity);
 }
 
+std::uint64_t NextSerial() {
+    static std::uint64_t last = 0;
+    return ++last;
+}
+
 void InitParts(Entity* entity) {
     if (entity->Physics())
         entity->Physics()->Init();
@@ -63,7 +68,7 @@ void InitParts(Entity* entity) {
 
 } // namespace
 
-Scene::Scene() = default;
+Scene::Scene() : mSerial(NextSerial()) {}
 
 Scene::~Scene() = default;
 
@@ -242,21 +247,18 @@ void Scene::deinitEntity(Entity* entity) {
 void Scene::addEntity(Entity* entity) {
     const auto entry = mEntityList.insert(mEntityList.end(), entity);
     Entity::Place& place = entity->mPlace;
-    if (place.times == 0)
-        place = {this, entry, 1};
-    else if (place.scene == this && place.times != Entity::Place::Unknown)
-        ++place.times;
+    if (place.scene == Entity::Place::Nowhere)
+        place = {mSerial, entry};
     else
-        place.times = Entity::Place::Unknown;
+        place.scene = Entity::Place::Unknown;
     entity->mScene = this;
     mEntityMap.try_emplace(entity->mName, entity);
 }
 
 void Scene::removeEntity(Entity* entity) {
-    const Entity::Place& place = entity->mPlace;
-    if (place.times == 1 && place.scene == this) {
-        eraseEntry(place.entry);
-    } else if (place.times != 0) {
+    if (entity->mPlace.scene == mSerial) {
+        eraseEntry(entity->mPlace.entry);
+    } else {
         for (auto entry = mEntityList.begin(); entry != mEntityList.end();) {
             const auto here = entry++;
             if (*here == entity)
@@ -278,9 +280,8 @@ void Scene::endEntity(Entity* entity) {
 }
 
 void Scene::unlist(Entity* entity) {
-    Entity::Place& place = entity->mPlace;
-    if (place.scene == this && place.times != Entity::Place::Unknown)
-        place = {};
+    if (entity->mPlace.scene == mSerial)
+        entity->mPlace = {};
 }
 
 // Visits the entities in the order of the list, those too that are appended meanwhile. An entity

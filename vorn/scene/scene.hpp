@@ -22,6 +22,7 @@
 
 #include <json/value.h>
 
+#include <cstdint>
 #include <list>
 #include <string>
 #include <unordered_map>
@@ -105,6 +106,7 @@ protected:
     virtual void deinitEntity(Entity* entity);
 
 public:
+    /// Leaves the entities alone, whose pools may be gone: call Deinit before to hand them back.
     virtual ~Scene();
 
 protected:
@@ -138,6 +140,7 @@ private:
     void forget(std::list<Entity*>::iterator end);
     std::string describe(Json::ArrayIndex element) const;
 
+    const std::uint64_t mSerial; // from 1; no two scenes of a process share one
     std::string mResourcePack;
     std::string mPath;
     Json::Value* mParsed =
