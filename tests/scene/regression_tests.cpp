@@ -38,4 +38,49 @@ TEST_F(Regression, AnEntityOfADeadSceneMeansNothingToANewOneAtItsAddress) {
     EXPECT_TRUE(scene->EntityList().empty());
 }
 
+TEST_F(Regression, ASceneWhoseInitRaisedHandsItsEntitiesBackBeforeWhateverFollows) {
+    for (const int follower : {0, 1, 2}) {
+        SCOPED_TRACE(follower);
+        LoggingScene a("A");
+        LoggingScene b("B");
+        LoggingScene c("C");
+        Describe(b, {"x", "y"});
+        manager.SetScene(&a);
+        manager.Update(0.0f);
+        manager.SetScene(&b);
+        FaultAt("Init x");
+        EXPECT_THROW(manager.Update(0.0f), std::runtime_error);
+        EXPECT_EQ(Names(b), (Log{"x", "y"}));
+        if (follower != 0)
+            manager.SetScene(follower == 1 ? &c : nullptr);
+        Take();
+        manager.Update(0.0f);
+        EXPECT_EQ(Take().front(), "B.Deinit");
+        EXPECT_EQ(Names(b), follower == 0 ? (Log{"x", "y"}) : Log());
+        manager.Restart();
+        manager.Update(0.0f);
+        b.Deinit();
+        EXPECT_EQ(things.fetched.size(), things.returned.size());
+        manager = Vorn::SceneManager();
+    }
+}
+
+TEST_F(Regression, ASceneSetWhileTheOldOneLeavesTakesEffectInThatChange) {
+    for (const char* stage : {"A.Deinit", "A.Unload", "B.Load", "B.Init"}) {
+        SCOPED_TRACE(stage);
+        LoggingScene a("A");
+        LoggingScene b("B");
+        LoggingScene c("C");
+        manager.SetScene(&a);
+        manager.Update(0.0f);
+        manager.SetScene(&b);
+        Once(stage, [&] { manager.SetScene(&c); });
+        manager.Update(0.0f);
+        EXPECT_EQ(manager.CurrentScene(), stage[0] == 'A' ? &c : &b);
+        manager.Update(0.0f);
+        EXPECT_EQ(manager.CurrentScene(), &c);
+        manager = Vorn::SceneManager();
+    }
+}
+
 } // namespace
