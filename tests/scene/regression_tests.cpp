@@ -3,6 +3,8 @@
 // Rules that were broken once.
 #include "scene_world.hpp"
 
+#include "vorn/core/data_error.hpp"
+
 #include <optional>
 
 namespace {
@@ -81,6 +83,37 @@ TEST_F(Regression, ASceneSetWhileTheOldOneLeavesTakesEffectInThatChange) {
         EXPECT_EQ(manager.CurrentScene(), &c);
         manager = Vorn::SceneManager();
     }
+}
+
+TEST_F(Regression, EntitiesThatAreNoArrayRaiseWhenTheyAreReadAndTheOldDescriptionStays) {
+    Vorn::Scene scene;
+    Describe(scene, {"a"});
+    for (const char* entities : {"17", "\"text\"", "{}", "true"}) {
+        const std::string text = R"({"ResourcePack": "new", "Entities": )" + std::string(entities);
+        EXPECT_EQ(Raised<Vorn::DataError>([&] { scene.Deserialize(text + "}"); }),
+                  "Type is not convertible to array: \"Entities\"");
+        EXPECT_EQ(scene.EntitiesValue().size(), 1u);
+        EXPECT_EQ(scene.ResourcePack(), "");
+    }
+}
+
+TEST_F(Regression, AFaultNamesTheFileOfItsDescriptionAndNoOther) {
+    const TempDir dir;
+    const std::string text = R"({"Entities": [{"Type": "thing", "Name": {}}]})";
+    const std::string path = dir.Write("a.scene", text);
+    const auto fault = [](Vorn::Scene& scene) {
+        return Raised<Vorn::DataError>([&] { scene.Init(); });
+    };
+    Vorn::Scene scene;
+    scene.DeserializePath(path);
+    const std::string inFile = fault(scene);
+    EXPECT_TRUE(inFile.ends_with("Entities[0] in " + path)) << inFile;
+    EXPECT_ANY_THROW(scene.DeserializePath(dir.Path("missing.scene")));
+    EXPECT_EQ(fault(scene), inFile);
+    scene.Deserialize(text);
+    EXPECT_TRUE(fault(scene).ends_with("Entities[0]"));
+    dir.Write("missing.scene", R"({"Entities": 3})");
+    EXPECT_TRUE(Raised<Vorn::DataError>([&] { scene.Redeserialize(); }).ends_with("missing.scene"));
 }
 
 } // namespace

@@ -15,6 +15,7 @@ concept TakesTwoTexts = requires(S& scene) {
     scene.CreateEntity("type", "variant");
 };
 static_assert(!TakesTwoTexts<Vorn::Scene>);
+static_assert(requires(Vorn::Scene& scene) { scene.CreateEntity("alias", 0); });
 
 TEST_F(SceneInit, InitialisesOnlyWhenAllEntitiesExist) {
     Vorn::Scene scene;

@@ -87,7 +87,8 @@ void Scene::Deserialize(const std::string& text) {
 void Scene::DeserializePath(const std::string& path) {
     mPath = path;
     const std::string text = TextFromFile(path);
-    ReadingIn([&path] { return path; }, [&] { Deserialize(text); });
+    ReadingIn([this] { return mPath; }, [&] { Deserialize(text); });
+    mDescribedIn = mPath;
 }
 
 void Scene::Redeserialize() {
@@ -106,15 +107,21 @@ void Scene::SerializePath(const std::string& path) const {
 }
 
 void Scene::DeserializeValue(const Json::Value& root) {
-    mResourcePack = JsonString(root, "ResourcePack", "");
+    std::string resourcePack = JsonString(root, "ResourcePack", "");
+    const Json::Value& entities = JsonMember(root, "Entities");
+    if (!entities.isNull() && !entities.isArray())
+        throw DataError("Type is not convertible to array: \"Entities\"");
+
     if (&root != mParsed) {
-        mEntitiesValue = JsonMember(root, "Entities");
-        return;
+        mEntitiesValue = entities;
+    } else {
+        // The entities of a large scene take longer to copy than to parse.
+        mEntitiesValue = Json::Value();
+        if (root.isMember("Entities"))
+            mEntitiesValue.swap((*mParsed)["Entities"]);
     }
-    // The entities of a large scene take longer to copy than to parse.
-    mEntitiesValue = Json::Value();
-    if (root.isMember("Entities"))
-        mEntitiesValue.swap((*mParsed)["Entities"]);
+    mResourcePack = std::move(resourcePack);
+    mDescribedIn.clear();
 }
 
 void Scene::SerializeValue(Json::Value& root) const {
@@ -130,6 +137,7 @@ void Scene::SerializeEntities() {
         entities.append(std::move(item));
     }
     mEntitiesValue = std::move(entities);
+    mDescribedIn.clear();
 }
 
 void Scene::Load() {}
@@ -137,8 +145,6 @@ void Scene::Load() {}
 void Scene::Init() {
     if (mEntitiesValue.isNull())
         return;
-    if (!mEntitiesValue.isArray())
-        throw DataError("Type is not convertible to array: \"Entities\" in " + mPath);
 
     static constexpr JsonKeys<2> keys{"Type", "Variant"};
     EntityFactory& factory = *EntityFactory::Instance();
@@ -329,7 +335,7 @@ void Scene::forget(std::list<Entity*>::iterator end) {
 
 std::string Scene::describe(Json::ArrayIndex element) const {
     std::string place = "Entities[" + std::to_string(element) + ']';
-    return mPath.empty() ? place : place + " in " + mPath;
+    return mDescribedIn.empty() ? place : place + " in " + mDescribedIn;
 }
 
 } // namespace Vorn

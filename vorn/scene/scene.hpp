@@ -25,6 +25,7 @@
 #include <cstdint>
 #include <list>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -62,7 +63,7 @@ public:
     /// as its "Variant", overridden by the element, entered in the list. Then, when all are there,
     /// `initEntity` for each. If an element raises, its entity has gone back to the pool, and those
     /// before it stay in the list for Deinit. The text of a DataError ends with the element's index
-    /// and the scene's file.
+    /// and, if the description is a file's, with that file.
     virtual void Init();
     /// `Update` of each entity in the order of the list, then the deferred requests: first those to
     /// add, then to remove, then to destroy, each list in the order of the requests. A request put
@@ -83,7 +84,9 @@ public:
     /// A variant by its alias.
     virtual Entity* CreateEntity(const std::string& name, bool immediate);
     /// Two texts need the third argument: the second would become the bool.
-    Entity* CreateEntity(const std::string& type, const char* variant) = delete;
+    template <typename Text>
+        requires(std::is_convertible_v<const Text&, const char*> && !std::is_integral_v<Text>)
+    Entity* CreateEntity(const std::string& type, const Text& variant) = delete;
     /// Takes the entity out of the scene and hands it back to its pool.
     virtual void DestroyEntity(Entity* entity, bool immediate);
     /// At once: appends it to the list, also if it stands there already, and runs `initEntity`.
@@ -115,7 +118,7 @@ protected:
     /// Erases every entry of the list, clears the entity's scene, frees the name.
     void removeEntity(Entity* entity);
 
-    /// The description's "Entities"; for derived classes that make their own.
+    /// The description's "Entities", an array or null; for derived classes that make their own.
     Json::Value mEntitiesValue;
 
 private:
@@ -143,6 +146,7 @@ private:
     const std::uint64_t mSerial; // from 1; no two scenes of a process share one
     std::string mResourcePack;
     std::string mPath;
+    std::string mDescribedIn; // the file that the description comes from; empty for another source
     Json::Value* mParsed =
         nullptr; // the root that Deserialize has parsed, while it calls DeserializeValue
     std::list<Entity*> mEntityList;
