@@ -4,6 +4,12 @@
 #include "scene_world.hpp"
 
 #include "vorn/core/data_error.hpp"
+#include "vorn/physics/physics_cmpt.hpp"
+#include "vorn/physics/physics_system.hpp"
+#include "vorn/render/emitter_system.hpp"
+#include "vorn/render/graphics_system.hpp"
+
+#include <cmath>
 
 #include <optional>
 
@@ -114,6 +120,35 @@ TEST_F(Regression, AFaultNamesTheFileOfItsDescriptionAndNoOther) {
     EXPECT_TRUE(fault(scene).ends_with("Entities[0]"));
     dir.Write("missing.scene", R"({"Entities": 3})");
     EXPECT_TRUE(Raised<Vorn::DataError>([&] { scene.Redeserialize(); }).ends_with("missing.scene"));
+}
+
+TEST_F(Regression, ADoubleIsWrittenLikeAFloatWhereJsonHasNoNumberForIt) {
+    const Vorn::MasterFlags flags;
+    Json::Value out;
+    for (const double field : {HUGE_VAL, -HUGE_VAL, 0.1}) {
+        flags.Write(out, "Field", field, true);
+        EXPECT_EQ(out["Field"], std::isinf(field) ? std::copysign(1e308, field) : field);
+    }
+    flags.Write(out, "Field", std::nan(""), true);
+    EXPECT_TRUE(out["Field"].isNull());
+}
+
+TEST_F(Regression, ASharedComponentIsRegisteredThroughWhoSharesIt) {
+    Vorn::Entity owner;
+    owner.Deserialize(R"({"GraphicsCmpt": {}, "PhysicsCmpt": {}, "EmitterCmpt": {}})", true);
+    Vorn::Entity sharer;
+    sharer = owner;
+    // What its system takes in leaves any other list.
+    Vorn::CmptList<Vorn::PhysicsCmpt> other;
+    other.Add(owner.Physics());
+    sharer.RegisterCmpts();
+    EXPECT_TRUE(other.Cmpts().empty());
+}
+
+TEST_F(Regression, SystemsPassOverNull) {
+    Vorn::GraphicsSystem::Instance()->Unregister(nullptr);
+    Vorn::PhysicsSystem::Instance()->Unregister(nullptr);
+    Vorn::EmitterSystem::Instance()->Unregister(nullptr);
 }
 
 } // namespace
