@@ -22,10 +22,10 @@
 
 #include <json/value.h>
 
+#include <concepts>
 #include <cstdint>
 #include <list>
 #include <string>
-#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -84,9 +84,8 @@ public:
     /// A variant by its alias.
     virtual Entity* CreateEntity(const std::string& name, bool immediate);
     /// Two texts need the third argument: the second would become the bool.
-    template <typename Text>
-        requires(std::is_convertible_v<const Text&, const char*> && !std::is_integral_v<Text>)
-    Entity* CreateEntity(const std::string& type, const Text& variant) = delete;
+    template <std::convertible_to<const char*> Text>
+    Entity* CreateEntity(const std::string& type, Text variant) = delete;
     /// Takes the entity out of the scene and hands it back to its pool.
     virtual void DestroyEntity(Entity* entity, bool immediate);
     /// At once: appends it to the list, also if it stands there already, and runs `initEntity`.
