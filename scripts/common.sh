@@ -27,6 +27,8 @@ build() {
   local preset=$1
   shift
   say "Building ($preset)"
-  cmake --preset "$preset" >"/tmp/vorn-configure-$preset.log" || { cat "/tmp/vorn-configure-$preset.log"; exit 1; }
+  mkdir -p build
+  local log=build/configure-$preset.log
+  cmake --preset "$preset" >"$log" || { cat "$log"; exit 1; }
   cmake --build --preset "$preset" "$@"
 }

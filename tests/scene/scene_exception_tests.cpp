@@ -46,8 +46,9 @@ TEST_F(SceneFaults, OfAnElementGiveItsEntityBackAndKeepThoseBefore) {
     next.Deinit();
     Describe(next, {"e"});
     manager.Update(1.0f);
-    EXPECT_EQ(Take(), (Log{"A.Deinit", "A.Unload", "B.Load", "B.Init", "thing.Fetch master",
-                           "B.initEntity e", "Init e", "B.Update 1", "Update e"}));
+    EXPECT_EQ(Take(),
+              (Log{"B.Deinit", "A.Deinit", "A.Unload", "B.Load", "B.Init", "thing.Fetch master",
+                   "B.initEntity e", "Init e", "B.Update 1", "Update e"}));
     EXPECT_EQ(manager.CurrentScene(), &next);
     EXPECT_EQ(things.returned.size(), 3u);
 }

@@ -15,6 +15,11 @@ concept TakesTwoTexts = requires(S& scene) {
     scene.CreateEntity("type", "variant");
 };
 static_assert(!TakesTwoTexts<Vorn::Scene>);
+template <typename S>
+concept TakesZeroAsFalse = requires(S& scene) {
+    scene.CreateEntity("alias", 0);
+};
+static_assert(TakesZeroAsFalse<Vorn::Scene>);
 
 TEST_F(SceneInit, InitialisesOnlyWhenAllEntitiesExist) {
     Vorn::Scene scene;

@@ -29,7 +29,7 @@ TEST_F(MeadowTest, EndsInTheSameStateInEveryBuild) {
     scene.Init();
     ASSERT_EQ(scene.EntityList().size(), 300u);
     RunFrames(scene, 480);
-    EXPECT_EQ(StateHash(scene), 0x1d41ad9ccd0a76c0u);
+    EXPECT_EQ(StateHash(scene), 0x642d8a6cdf23ee02u);
 }
 
 TEST_F(MeadowTest, GoesOnFromAFileAsFromItself) {

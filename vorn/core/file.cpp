@@ -43,7 +43,7 @@ unsigned int Read(OpenedFile& file, char* data) {
 
 void MemoryFromFile(const std::string& path, char*& data, unsigned int& size) {
     OpenedFile file = Open(path);
-    auto buffer = std::make_unique<char[]>(file.size);
+    auto buffer = std::make_unique_for_overwrite<char[]>(file.size);
     size = Read(file, buffer.get());
     data = buffer.release();
 }

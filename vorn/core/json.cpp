@@ -78,7 +78,8 @@ Json::Value ParseJson(std::string_view text) {
     Json::Value root;
     Json::Reader reader;
     try {
-        reader.parse(text.data(), text.data() + text.size(), root);
+        // Without its comments, for which JsonCpp takes time by the square of their number.
+        reader.parse(text.data(), text.data() + text.size(), root, false);
     } catch (const Json::Exception&) {
         return {};
     }
@@ -163,11 +164,15 @@ float JsonFloat(const Json::Value& object, std::string_view key, float fallback)
 }
 
 Json::Value JsonReal(float number) {
+    return JsonReal(static_cast<double>(number));
+}
+
+Json::Value JsonReal(double number) {
     if (std::isnan(number))
         return {};
     if (std::isinf(number))
-        return std::copysign(1e308, static_cast<double>(number));
-    return static_cast<double>(number);
+        return std::copysign(1e308, number);
+    return number;
 }
 
 } // namespace Vorn

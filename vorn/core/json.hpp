@@ -12,7 +12,7 @@
 // gives `fallback`. A key that is there is converted as JsonCpp does: null to 0, false or an empty
 // text, numbers and bools to each other and to text. Where it cannot, DataError is raised; its text
 // begins with "Type is not convertible to " and the type, and names the key. A number too large for
-// a float becomes an infinity.
+// a float becomes an infinity; one too large for a double (1e309) is a fault of the text.
 #pragma once
 
 #include "vorn/core/api.hpp"
@@ -28,8 +28,8 @@ namespace Vorn {
 
 /// The root object of a text. Of one that breaks off or has a fault, what was read up to there,
 /// which may be null; null too for a root that is no object and for nesting beyond JsonCpp's limit
-/// of 1000 levels. Comments in the text stay with their values. Numbers are read with a decimal
-/// point, whatever locale the host has set.
+/// of 1000 levels. Comments are passed over and not kept. Numbers are read with a decimal point,
+/// whatever locale the host has set.
 VORN_API Json::Value ParseJson(std::string_view text);
 
 /// The styled text of a value, with a line end.
@@ -76,7 +76,8 @@ VORN_API std::string JsonString(const Json::Value* value, std::string_view key,
 VORN_API float JsonFloat(const Json::Value* value, std::string_view key, float fallback);
 
 /// A number as it is written: JSON has no infinities and no NaN. An infinity becomes 1e308 with its
-/// sign, which a float reads back as an infinity; a NaN becomes null, which reads back as 0.
+/// sign, which JsonFloat reads back as an infinity; a NaN becomes null, which reads back as 0.
 VORN_API Json::Value JsonReal(float number);
+VORN_API Json::Value JsonReal(double number);
 
 } // namespace Vorn

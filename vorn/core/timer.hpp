@@ -3,7 +3,8 @@
 // A count-down.
 //
 //   Vorn::Timer reload(0.5, true);
-//   if (fire && reload.Update(dt, false)) { shoot(); reload.Reset(); }
+//   reload.Update(dt, false); // every frame
+//   if (fire && reload.Status()) { shoot(); reload.Reset(); }
 //
 // The unit is that of the `dt` that the caller passes: seconds when it comes from DeltaClock.
 #pragma once

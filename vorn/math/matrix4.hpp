@@ -2,9 +2,9 @@
 //
 // A 4x4 matrix, stored row by row, that multiplies column vectors.
 //
-//   const Vorn::Matrix4 world = Vorn::Matrix4::Translation(position) *
-//   Vorn::Matrix4::RotationEuler(0, yaw, 0); const Vorn::Vector3 corner = world * Vorn::Vector3(1,
-//   1, 1);
+//   const Vorn::Matrix4 turn = Vorn::Matrix4::RotationEuler(0, yaw, 0);
+//   const Vorn::Matrix4 world = Vorn::Matrix4::Translation(position) * turn;
+//   const Vorn::Vector3 corner = world * Vorn::Vector3(1, 1, 1);
 //
 // In A * B the factor B acts first; the translation stands in the fourth column. Direct3D
 // multiplies row vectors, so a matrix is transposed on its way to D3DXMATRIX. Angles are radians.

@@ -65,15 +65,16 @@ public:
         ++registration.mCount;
     }
 
-    /// Erases the first entry of the component; nothing if there is none.
+    /// Erases the first entry of the component; nothing if there is none. The component must live;
+    /// null is passed over.
     void RemoveFirst(C* cmpt) {
-        if (cmpt->mRegistration.mList == this)
+        if (cmpt && cmpt->mRegistration.mList == this)
             removeFirst(cmpt->mRegistration);
     }
 
-    /// Erases every entry of the component.
+    /// Erases every entry of the component, which must live; null is passed over.
     void RemoveAll(C* cmpt) {
-        if (cmpt->mRegistration.mList == this)
+        if (cmpt && cmpt->mRegistration.mList == this)
             forget(cmpt->mRegistration);
     }
 

@@ -48,13 +48,13 @@ C& Entity::CmptSlot<C>::Ensure(Entity* parent) {
 
 template <typename C>
 void Entity::CmptSlot<C>::Register() {
-    if (owned)
+    if (cmpt)
         SystemOf(*cmpt).Register(cmpt);
 }
 
 template <typename C>
 void Entity::CmptSlot<C>::Unregister() {
-    if (owned)
+    if (cmpt)
         SystemOf(*cmpt).Unregister(cmpt);
 }
 

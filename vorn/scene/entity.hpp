@@ -3,8 +3,10 @@
 // One object of a game: a transform, an identity and up to three components.
 //
 //   class Sheep : public Vorn::Entity {
-//       void Update(float dt) override { LocalPosition(LocalPosition() + mVelocity * dt);
-//       Entity::Update(dt); }
+//       void Update(float dt) override {
+//           LocalPosition(LocalPosition() + mVelocity * dt);
+//           Entity::Update(dt);
+//       }
 //   };
 //   static Vorn::EntityPool<Sheep> pool;
 //   Vorn::EntityFactory::Instance()->Register("sheep", &pool);
@@ -28,6 +30,7 @@
 
 #include <json/value.h>
 
+#include <cstdint>
 #include <list>
 #include <string>
 #include <string_view>
@@ -57,7 +60,8 @@ public:
     /// Raises std::out_of_range without `master` for a parameter that no file named, see
     /// MasterFlags.
     virtual void SerializeValue(Json::Value& out, bool master) const;
-    /// Enters each component in the list of its system, in the order graphics, physics, emitter.
+    /// Enters each component, a shared one too, in the list of its system, in the order graphics,
+    /// physics, emitter.
     virtual void RegisterCmpts();
     virtual void UnregisterCmpts();
     /// When the entity enters a scene, and again when it leaves it (Scene::deinitEntity). Does
@@ -77,7 +81,8 @@ public:
     void Serialize(std::string& out, bool master) const;
 
     /// Whether each component that the entity gets from now on, of a scene object for instance, is
-    /// registered at once. A pool that registers what it hands out switches it on.
+    /// registered at once, straight with its system and not through RegisterCmpts. A pool that
+    /// registers what it hands out switches it on.
     void RegisterNewCmpts(bool enabled) { mRegistersNew = enabled; }
 
     /// What a pool hands out: `Conform` with components of its own, then the template's name, its
@@ -158,13 +163,14 @@ private:
     friend class Vorn::Scene; // keeps mScene and mPlace
     friend class PairWalk;    // keeps mBody
 
-    /// Where scenes list the entity, so that one leaves its scene without a search. Known while a
-    /// single scene lists it a single time; bound to the object, like the flags.
+    /// Where the entity is listed, so that it leaves its scene without a search: the serial number
+    /// of the one scene that lists it, a single time, and its entry there. Once it was listed a
+    /// second time its place stays unknown. Bound to the object, like the flags.
     struct Place {
-        static constexpr unsigned int Unknown = ~0u;
-        const Vorn::Scene* scene = nullptr;
+        static constexpr std::uint64_t Nowhere = 0;
+        static constexpr std::uint64_t Unknown = ~Nowhere;
+        std::uint64_t scene = Nowhere;
         std::list<Entity*>::iterator entry;
-        unsigned int times = 0;
     };
 
     /// A component and whether this entity owns it: an assigned entity only shares its source's.

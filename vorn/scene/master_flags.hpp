@@ -82,6 +82,7 @@ private:
         return Json::Value(field);
     }
     static Json::Value ToJson(float field) { return JsonReal(field); }
+    static Json::Value ToJson(double field) { return JsonReal(field); }
     static Json::Value ToJson(const Vector3& field);
     static Json::Value ToJson(const Vorn3DColorSigned& field);
 

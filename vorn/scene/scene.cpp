@@ -17,18 +17,29 @@ namespace Vorn {
 
 namespace {
 
-// Serves the requests in order, those too that come up meanwhile.
-template <typename Serve>
-void ServeRequests(std::vector<Entity*>& requests, Serve serve) {
-    std::size_t served = 0;
-    try {
-        while (served < requests.size())
-            serve(requests[served++]);
-    } catch (...) {
-        requests.erase(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(served));
-        throw;
+// Requests that were served are off their list when the update ends, however it ends.
+class Requests {
+public:
+    explicit Requests(std::vector<Entity*>& list) : mList(list) {}
+    Requests(const Requests&) = delete;
+    Requests& operator=(const Requests&) = delete;
+    ~Requests() {
+        const auto served = static_cast<std::ptrdiff_t>(std::min(mServed, mList.size()));
+        mList.erase(mList.begin(), mList.begin() + served);
     }
-}
+
+    // In order, those too that come up meanwhile.
+    template <typename ServeOne>
+    void Serve(ServeOne serveOne) {
+        while (mServed < mList.size())
+            serveOne(mList[mServed++]);
+    }
+    void DropLate() { mServed = mList.size(); }
+
+private:
+    std::vector<Entity*>& mList;
+    std::size_t mServed = 0;
+};
 
 // Whatever the entity's last words raise, it goes back to its pool.
 template <typename LastWords>
@@ -42,6 +53,11 @@ void ThenReturn(Entity* entity, LastWords lastWords) {
     EntityFactory::Instance()->ReturnEntity(entity);
 }
 
+std::uint64_t NextSerial() {
+    static std::uint64_t last = 0;
+    return ++last;
+}
+
 void InitParts(Entity* entity) {
     if (entity->Physics())
         entity->Physics()->Init();
@@ -52,7 +68,7 @@ void InitParts(Entity* entity) {
 
 } // namespace
 
-Scene::Scene() = default;
+Scene::Scene() : mSerial(NextSerial()) {}
 
 Scene::~Scene() = default;
 
@@ -71,7 +87,8 @@ void Scene::Deserialize(const std::string& text) {
 void Scene::DeserializePath(const std::string& path) {
     mPath = path;
     const std::string text = TextFromFile(path);
-    ReadingIn([&path] { return path; }, [&] { Deserialize(text); });
+    ReadingIn([this] { return mPath; }, [&] { Deserialize(text); });
+    mDescribedIn = mPath;
 }
 
 void Scene::Redeserialize() {
@@ -90,15 +107,21 @@ void Scene::SerializePath(const std::string& path) const {
 }
 
 void Scene::DeserializeValue(const Json::Value& root) {
-    mResourcePack = JsonString(root, "ResourcePack", "");
+    std::string resourcePack = JsonString(root, "ResourcePack", "");
+    const Json::Value& entities = JsonMember(root, "Entities");
+    if (!entities.isNull() && !entities.isArray())
+        throw DataError("Type is not convertible to array: \"Entities\"");
+
     if (&root != mParsed) {
-        mEntitiesValue = JsonMember(root, "Entities");
-        return;
+        mEntitiesValue = entities;
+    } else {
+        // The entities of a large scene take longer to copy than to parse.
+        mEntitiesValue = Json::Value();
+        if (root.isMember("Entities"))
+            mEntitiesValue.swap((*mParsed)["Entities"]);
     }
-    // The entities of a large scene take longer to copy than to parse.
-    mEntitiesValue = Json::Value();
-    if (root.isMember("Entities"))
-        mEntitiesValue.swap((*mParsed)["Entities"]);
+    mResourcePack = std::move(resourcePack);
+    mDescribedIn.clear();
 }
 
 void Scene::SerializeValue(Json::Value& root) const {
@@ -114,6 +137,7 @@ void Scene::SerializeEntities() {
         entities.append(std::move(item));
     }
     mEntitiesValue = std::move(entities);
+    mDescribedIn.clear();
 }
 
 void Scene::Load() {}
@@ -121,8 +145,6 @@ void Scene::Load() {}
 void Scene::Init() {
     if (mEntitiesValue.isNull())
         return;
-    if (!mEntitiesValue.isArray())
-        throw DataError("Type is not convertible to array: \"Entities\" in " + mPath);
 
     static constexpr JsonKeys<2> keys{"Type", "Variant"};
     EntityFactory& factory = *EntityFactory::Instance();
@@ -150,12 +172,14 @@ void Scene::Init() {
 void Scene::Update(float dt) {
     walk([dt](Entity* entity) { entity->Update(dt); });
 
-    ServeRequests(mToAdd, [this](Entity* entity) { AddEntity(entity, true); });
-    ServeRequests(mToRemove, [this](Entity* entity) { RemoveEntity(entity, true); });
-    ServeRequests(mToDestroy, [this](Entity* entity) { DestroyEntity(entity, true); });
-    mToAdd.clear();
-    mToRemove.clear();
-    mToDestroy.clear();
+    Requests toAdd(mToAdd);
+    Requests toRemove(mToRemove);
+    Requests toDestroy(mToDestroy);
+    toAdd.Serve([this](Entity* entity) { AddEntity(entity, true); });
+    toRemove.Serve([this](Entity* entity) { RemoveEntity(entity, true); });
+    toDestroy.Serve([this](Entity* entity) { DestroyEntity(entity, true); });
+    toAdd.DropLate();
+    toRemove.DropLate();
 }
 
 void Scene::Deinit() {
@@ -229,21 +253,18 @@ void Scene::deinitEntity(Entity* entity) {
 void Scene::addEntity(Entity* entity) {
     const auto entry = mEntityList.insert(mEntityList.end(), entity);
     Entity::Place& place = entity->mPlace;
-    if (place.times == 0)
-        place = {this, entry, 1};
-    else if (place.scene == this && place.times != Entity::Place::Unknown)
-        ++place.times;
+    if (place.scene == Entity::Place::Nowhere)
+        place = {mSerial, entry};
     else
-        place.times = Entity::Place::Unknown;
+        place.scene = Entity::Place::Unknown;
     entity->mScene = this;
     mEntityMap.try_emplace(entity->mName, entity);
 }
 
 void Scene::removeEntity(Entity* entity) {
-    const Entity::Place& place = entity->mPlace;
-    if (place.times == 1 && place.scene == this) {
-        eraseEntry(place.entry);
-    } else if (place.times != 0) {
+    if (entity->mPlace.scene == mSerial) {
+        eraseEntry(entity->mPlace.entry);
+    } else {
         for (auto entry = mEntityList.begin(); entry != mEntityList.end();) {
             const auto here = entry++;
             if (*here == entity)
@@ -265,9 +286,8 @@ void Scene::endEntity(Entity* entity) {
 }
 
 void Scene::unlist(Entity* entity) {
-    Entity::Place& place = entity->mPlace;
-    if (place.scene == this && place.times != Entity::Place::Unknown)
-        place = {};
+    if (entity->mPlace.scene == mSerial)
+        entity->mPlace = {};
 }
 
 // Visits the entities in the order of the list, those too that are appended meanwhile. An entity
@@ -315,7 +335,7 @@ void Scene::forget(std::list<Entity*>::iterator end) {
 
 std::string Scene::describe(Json::ArrayIndex element) const {
     std::string place = "Entities[" + std::to_string(element) + ']';
-    return mPath.empty() ? place : place + " in " + mPath;
+    return mDescribedIn.empty() ? place : place + " in " + mDescribedIn;
 }
 
 } // namespace Vorn

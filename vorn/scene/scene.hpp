@@ -22,6 +22,8 @@
 
 #include <json/value.h>
 
+#include <concepts>
+#include <cstdint>
 #include <list>
 #include <string>
 #include <unordered_map>
@@ -61,12 +63,13 @@ public:
     /// as its "Variant", overridden by the element, entered in the list. Then, when all are there,
     /// `initEntity` for each. If an element raises, its entity has gone back to the pool, and those
     /// before it stay in the list for Deinit. The text of a DataError ends with the element's index
-    /// and the scene's file.
+    /// and, if the description is a file's, with that file.
     virtual void Init();
     /// `Update` of each entity in the order of the list, then the deferred requests: first those to
     /// add, then to remove, then to destroy, each list in the order of the requests. A request put
     /// on a list that is being served is served; one put on a list that was served already is
-    /// dropped. A request is off its list when it is served, also if serving it raises.
+    /// dropped at the end. If an exception leaves Update, the requests that were served are off
+    /// their lists, the one that raised too, and the others wait for the next Update.
     virtual void Update(float dt);
     /// `Deinit` of each entity and its way back to its pool; then the list is empty. Waiting
     /// requests stay. If an entity raises, it and those before it are out of the scene, and a
@@ -81,7 +84,8 @@ public:
     /// A variant by its alias.
     virtual Entity* CreateEntity(const std::string& name, bool immediate);
     /// Two texts need the third argument: the second would become the bool.
-    Entity* CreateEntity(const std::string& type, const char* variant) = delete;
+    template <std::convertible_to<const char*> Text>
+    Entity* CreateEntity(const std::string& type, Text variant) = delete;
     /// Takes the entity out of the scene and hands it back to its pool.
     virtual void DestroyEntity(Entity* entity, bool immediate);
     /// At once: appends it to the list, also if it stands there already, and runs `initEntity`.
@@ -104,6 +108,7 @@ protected:
     virtual void deinitEntity(Entity* entity);
 
 public:
+    /// Leaves the entities alone, whose pools may be gone: call Deinit before to hand them back.
     virtual ~Scene();
 
 protected:
@@ -112,7 +117,7 @@ protected:
     /// Erases every entry of the list, clears the entity's scene, frees the name.
     void removeEntity(Entity* entity);
 
-    /// The description's "Entities"; for derived classes that make their own.
+    /// The description's "Entities", an array or null; for derived classes that make their own.
     Json::Value mEntitiesValue;
 
 private:
@@ -137,8 +142,10 @@ private:
     void forget(std::list<Entity*>::iterator end);
     std::string describe(Json::ArrayIndex element) const;
 
+    const std::uint64_t mSerial; // from 1; no two scenes of a process share one
     std::string mResourcePack;
     std::string mPath;
+    std::string mDescribedIn; // the file that the description comes from; empty for another source
     Json::Value* mParsed =
         nullptr; // the root that Deserialize has parsed, while it calls DeserializeValue
     std::list<Entity*> mEntityList;

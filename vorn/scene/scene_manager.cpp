@@ -8,6 +8,10 @@
 namespace Vorn {
 
 void SceneManager::Update(float dt) {
+    if (mFailedScene) {
+        mFailedScene->Deinit();
+        mFailedScene = nullptr;
+    }
     if (mNextScene)
         change();
     if (mCurrentScene)
@@ -34,19 +38,25 @@ void SceneManager::UnloadCurrentScene() {
 }
 
 void SceneManager::change() {
-    // A scene that is set during the change follows with the next update.
-    Scene* next = std::exchange(mNextScene, nullptr);
+    if (mCurrentScene) {
+        mCurrentScene->Deinit();
+        if (mNextScene != mCurrentScene)
+            mCurrentScene->Unload();
+    }
+    // A scene that is set from here on follows with the next update.
+    Scene* const next = std::exchange(mNextScene, nullptr);
+    if (!next)
+        return;
     const bool restart = next == mCurrentScene;
+    bool loaded = restart;
     try {
-        if (mCurrentScene) {
-            mCurrentScene->Deinit();
-            if (!restart)
-                mCurrentScene->Unload();
-        }
         if (!restart)
             next->Load();
+        loaded = true;
         next->Init();
     } catch (...) {
+        if (loaded && !restart)
+            mFailedScene = next;
         if (!mNextScene)
             mNextScene = next;
         throw;

@@ -19,15 +19,17 @@ namespace Vorn {
 class VORN_API SceneManager : public Singleton<SceneManager> {
 public:
     /// The scene that the next Update changes to; the last call wins. The current scene itself is
-    /// restarted.
+    /// restarted. Called from the old scene's Deinit or Unload it takes effect in the change that
+    /// is under way, from the next scene's Load or Init in the next Update.
     void SetScene(Scene* scene) { mNextScene = scene; }
     /// Null before the first change.
     Scene* CurrentScene() const { return mCurrentScene; }
 
     /// If a change is pending: `Deinit` and `Unload` of the old scene, `Load` and `Init` of the
     /// next. A restart skips `Unload` and `Load`. Then `Update(dt)` of the current scene, in the
-    /// same call. If one of them raises, the change stays pending; a next scene that raised in Init
-    /// holds the entities made so far until its Deinit is called.
+    /// same call. If one of them raises, the change stays pending. A next scene that raised in Init
+    /// holds the entities made so far; the next Update begins with its Deinit, whatever scene is
+    /// pending by then, so it must live until that.
     void Update(float dt);
 
     /// The three of them do nothing without a current scene.
@@ -43,6 +45,7 @@ private:
 
     Scene* mNextScene = nullptr;
     Scene* mCurrentScene = nullptr;
+    Scene* mFailedScene = nullptr; // not the current one; its Init raised, its Deinit is due
 };
 
 template <>

@@ -24,7 +24,8 @@ public:
     virtual void Deinit() = 0;
     /// Appends to the list, also a component that stands there already.
     virtual void Register(C* cmpt) = 0;
-    /// Does nothing to the list for a component that is not in it.
+    /// Does nothing to the list for null and for a component that is not in it. The component must
+    /// live: one that dies has left the list already.
     virtual void Unregister(C* cmpt) = 0;
 };
 

@@ -82,7 +82,7 @@ void Nest::DeserializeValue(const Json::Value& root, bool master) {
     dsParam(mBrood, Vorn::JsonString(root, "Brood", mBrood), master);
     dsParam(mInterval, Vorn::JsonFloat(root, "Interval", mInterval), master);
     dsParam(mCountdown, Vorn::JsonFloat(root, "Countdown", mCountdown), master);
-    dsParam(mHeading, Vorn::JsonFloat(root, "Heading", mHeading), master);
+    dsParam(mHeading, Vorn::JsonInt(root, "Heading", mHeading), master);
 }
 
 void Nest::SerializeValue(Json::Value& out, bool master) const {
@@ -105,15 +105,13 @@ void Nest::Update(float dt) {
     Vorn::Entity* bird = Scene()->CreateEntity(mBrood, false);
     bird->Position(Position());
     if (auto* walker = dynamic_cast<Walker*>(bird)) {
-        // A turn by three fifths of a right angle in whole numbers: no sine of any library is in
-        // the state.
+        // Quarter turns in whole numbers: no sine of any library is in the state.
         const Vector3 v = walker->Velocity();
-        const int quarter = static_cast<int>(mHeading) & 3;
         const Vector3 headings[4] = {
             {v.x, v.y, v.z}, {-v.z, v.y, v.x}, {-v.x, v.y, -v.z}, {v.z, v.y, -v.x}};
-        walker->Velocity(headings[quarter]);
+        walker->Velocity(headings[mHeading & 3]);
     }
-    mHeading = mHeading < 3.0f ? mHeading + 1.0f : 0.0f;
+    mHeading = mHeading < 3 ? mHeading + 1 : 0;
 }
 
 void Nest::Conform(const Entity* source) {

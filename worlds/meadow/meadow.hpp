@@ -61,7 +61,7 @@ private:
     std::string mBrood;      // alias of the variant that it lets out
     float mInterval = 0.0f;  // (unit: seconds), 0 for never
     float mCountdown = 0.0f; // (unit: seconds)
-    float mHeading = 0.0f;   // of the next one (unit: radians)
+    int mHeading = 0;        // of the next one (unit: quarter turns)
 };
 
 /// The pools of the meadow's entities, registered with the factory for as long as the object lives.
