@@ -25,19 +25,6 @@ bool MeetPlane(const Ray& ray, const Vector3& point, const Vector3& normal, floa
     return true;
 }
 
-// Corners and normals of the box as they stand in it, also where the normals are stale.
-BoxShape ShapeOf(const OBB& box) {
-    BoxShape shape;
-    SetCorners(shape, box.transform, box.extents);
-    for (int i = 0; i < 8; ++i) {
-        const Vector3 normal = i < 6 ? box.normals[i] : Vector3();
-        shape.nx[i] = normal.x;
-        shape.ny[i] = normal.y;
-        shape.nz[i] = normal.z;
-    }
-    return shape;
-}
-
 // One axis of the sweep of b along a. False where the two miss each other on it.
 bool SweepAxis(float v, float aMin, float aMax, float bMin, float bMax, float& first, float& last) {
     if (v < 0.0f) {
@@ -81,9 +68,17 @@ bool AABBToAABB(const AABB& a, const AABB& b) {
 }
 
 bool OBBToOBB(const OBB& a, const OBB& b) {
-    BoxShape first = ShapeOf(a);
-    Project(first, first, first.low, first.high);
-    return Overlap(first, ShapeOf(b));
+    const BoxCorners first = CornersOf(a.transform, a.extents);
+    const BoxCorners second = CornersOf(b.transform, b.extents);
+    // The normals as they stand in the box, stale ones too.
+    const auto overlapAlong = [&](int face0, int face1, int face2) {
+        BoxAxes axes;
+        axes.Set(0, a.normals[face0]);
+        axes.Set(1, a.normals[face1]);
+        axes.Set(2, a.normals[face2]);
+        return Overlap(Project(first, axes), Project(second, axes));
+    };
+    return overlapAlong(1, 3, 4) && overlapAlong(0, 2, 5);
 }
 
 bool SphereOBB(const Sphere&, const OBB&) {
@@ -187,7 +182,14 @@ bool DynamicOBBToOBB(const OBB&, const Vector3&, const OBB&, const Vector3&) {
 
 bool DynamicOBBToSphere(const OBB& box, const Vector3& vBox, const Sphere& sphere,
                         const Vector3& vSphere) {
-    return SphereReachesFaces(sphere, vSphere - vBox, ShapeOf(box));
+    FlatPlane faces[6];
+    box.GetPlane(faces);
+    const Vector3 v = vSphere - vBox;
+    return std::any_of(faces, faces + 6, [&](const FlatPlane& face) {
+        float t;
+        Vector3 hit;
+        return DynamicSphereToPlane(sphere, v, face, t, hit);
+    });
 }
 
 bool DynamicSphereToOBB(const Sphere& sphere, const Vector3& vSphere, const OBB& box,

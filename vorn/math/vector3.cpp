@@ -5,13 +5,6 @@
 
 namespace Vorn {
 
-void Vector3::Normalize() {
-    const float length = Length();
-    if (length < 0.00001f)
-        return;
-    *this /= length;
-}
-
 void Vector3::Normalize(Vector3& out) const {
     out = *this / Length();
 }

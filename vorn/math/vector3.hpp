@@ -58,7 +58,11 @@ public:
     constexpr bool operator==(const Vector3& v) const { return x == v.x && y == v.y && z == v.z; }
 
     /// To length 1. A vector shorter than 0.00001 stays as it is.
-    void Normalize();
+    void Normalize() {
+        const float length = Length();
+        if (!(length < 0.00001f))
+            *this /= length;
+    }
     /// The same into `out`, but divided whatever the length: a zero vector gives NaNs.
     void Normalize(Vector3& out) const;
 

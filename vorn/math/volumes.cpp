@@ -21,10 +21,9 @@ void MakeFaces(FlatPlane* out, const Vector3* corners, const Vector3* normals) {
 }
 
 void MakeCorners(Vector3* out, const Matrix4& transform, const Vector3& extents) {
-    BoxShape shape;
-    SetCorners(shape, transform, extents);
+    const BoxCorners corners = CornersOf(transform, extents);
     for (int i = 0; i < 8; ++i)
-        out[i] = shape.Corner(i);
+        out[i] = corners.At(i);
 }
 
 } // namespace
@@ -55,11 +54,11 @@ OBB::OBB(const Matrix4& m, const Vector3& edges) : transform(m), extents(edges) 
 }
 
 void OBB::ComputeNorm() {
-    BoxShape shape;
-    SetCorners(shape, transform, extents);
-    SetNormals(shape);
-    for (int i = 0; i < 6; ++i)
-        normals[i] = shape.Normal(i);
+    const BoxAxes axes = AxesOf(CornersOf(transform, extents));
+    for (int face = 0; face < 6; ++face) {
+        const Vector3 axis = axes.At(AxisOfFace[face]);
+        normals[face] = IsOpposite[face] ? -axis : axis;
+    }
 }
 
 void OBB::GetVertices(Vector3* out) const {

@@ -5,11 +5,12 @@
 // Objects", 2003.
 #include "vorn/physics/body_group.hpp"
 
+#include "vorn/core/float4.hpp"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
 namespace Vorn {
@@ -19,115 +20,133 @@ namespace {
 /// Up to so many bodies a scan is faster than any grid.
 constexpr std::size_t ScanOnly = 256;
 /// What a row of cells costs to look up, in bodies that a scan passes over meanwhile.
-constexpr std::size_t RowCost = 12;
+constexpr std::size_t RowCost = 16;
 /// What a body of a cell costs, in the same measure.
-constexpr std::size_t VisitCost = 3;
+constexpr std::size_t VisitCost = 1;
 /// Cells are counted in whole numbers, and what stands further out stays out of the grid.
 constexpr float MaxCells = 1 << 28;
-
-using Float4 = float __attribute__((vector_size(16)));
-using Int4 = std::int32_t __attribute__((vector_size(16)));
-
-Float4 Load(const float* p) {
-    Float4 v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
-Int4 Load(const int* p) {
-    Int4 v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
-Float4 All(float f) {
-    return Float4{f, f, f, f};
-}
-
-bool Any(const Int4& mask) {
-    std::uint64_t halves[2];
-    std::memcpy(halves, &mask, sizeof mask);
-    return (halves[0] | halves[1]) != 0;
-}
-
-/// Whether spheres meet the sphere.
-struct SphereTest {
-    Float4 x, y, z, reach;
-
-    explicit SphereTest(const Bounds& sphere)
-        : x(All(sphere.center.x)), y(All(sphere.center.y)), z(All(sphere.center.z)),
-          reach(All(sphere.reach)) {}
-    Int4 operator()(Float4 ox, Float4 oy, Float4 oz, Float4 oreach) const {
-        const Float4 dx = ox - x, dy = oy - y, dz = oz - z, sum = oreach + reach;
-        return dx * dx + dy * dy + dz * dz <= sum * sum;
-    }
-};
-
-/// Whether spheres reach into the box along each of its three axes.
-struct BoxTest {
-    Float4 nx[3], ny[3], nz[3], low[3], high[3];
-
-    BoxTest(const BoxShape& box, float slack) {
-        static constexpr int axes[3] = {1, 3, 4};
-        for (int i = 0; i < 3; ++i) {
-            const int axis = axes[i];
-            nx[i] = All(box.nx[axis]);
-            ny[i] = All(box.ny[axis]);
-            nz[i] = All(box.nz[axis]);
-            low[i] = All(box.low[axis] - slack);
-            high[i] = All(box.high[axis] + slack);
-        }
-    }
-    Int4 operator()(Float4 ox, Float4 oy, Float4 oz, Float4 oreach) const {
-        Int4 meets{-1, -1, -1, -1};
-        for (int i = 0; i < 3; ++i) {
-            const Float4 along = ox * nx[i] + oy * ny[i] + oz * nz[i];
-            meets &= (along - oreach <= high[i]) & (along + oreach >= low[i]);
-        }
-        return meets;
-    }
-};
 
 bool IsFinite(const Bounds& b) {
     return std::isfinite(b.center.x) && std::isfinite(b.center.y) && std::isfinite(b.center.z) &&
            std::isfinite(b.reach);
 }
 
-// Appends the ids from `from` on of those that pass, and of up to three that stand behind `end`.
-template <typename Test, typename Lanes>
-void Scan(const Test& test, const Lanes& lanes, std::size_t begin, std::size_t end, int from,
-          std::vector<int>& out) {
-    const Int4 first{from, from, from, from};
-    for (std::size_t i = begin; i < end; i += 4) {
-        const Int4 id = Load(lanes.id.data() + i);
-        const Int4 pass = test(Load(lanes.x.data() + i), Load(lanes.y.data() + i),
-                               Load(lanes.z.data() + i), Load(lanes.reach.data() + i)) &
-                          (id >= first);
-        if (!Any(pass))
-            continue;
-        for (int lane = 0; lane < 4; ++lane)
-            if (pass[lane])
-                out.push_back(id[lane]);
+/// Four bodies at a time.
+struct Four {
+    Float4 x, y, z, reach;
+};
+
+/// Lets everybody pass.
+struct NoFilter {
+    Int4 operator()(const Four&) const { return Int4{-1, -1, -1, -1}; }
+};
+
+/// Lets those pass whose spheres reach into the box along each of its axes.
+class BoxFilter {
+public:
+    explicit BoxFilter(const std::function<const BoxSides&()>& sides) : mSides(sides) {}
+
+    Int4 operator()(const Four& four) {
+        if (!mKnown)
+            know();
+        Int4 pass{-1, -1, -1, -1};
+        for (int i = 0; i < 3; ++i) {
+            const Float4 along = four.x * mX[i] + four.y * mY[i] + four.z * mZ[i];
+            pass &= (along - four.reach <= mHigh[i]) & (along + four.reach >= mLow[i]);
+        }
+        return pass;
     }
-}
+
+private:
+    void know() {
+        mKnown = true;
+        const BoxSides& sides = mSides();
+        for (int i = 0; i < 3; ++i) {
+            const float low = sides.reach.low[i], high = sides.reach.high[i];
+            const float slack = 0.00001f * (std::abs(low) + std::abs(high));
+            mX[i] = AllFour(sides.axes.x[i]);
+            mY[i] = AllFour(sides.axes.y[i]);
+            mZ[i] = AllFour(sides.axes.z[i]);
+            mLow[i] = AllFour(low - slack);
+            mHigh[i] = AllFour(high + slack);
+        }
+    }
+
+    const std::function<const BoxSides&()>& mSides;
+    bool mKnown = false;
+    Float4 mX[3] = {}, mY[3] = {}, mZ[3] = {}, mLow[3] = {}, mHigh[3] = {};
+};
+
+/// Who is no further from a sphere than `stretch` times the own reach, and passes the filter.
+template <typename Filter>
+class Question {
+public:
+    Question(const Bounds& sphere, float stretch, int from, Filter filter)
+        : mSphere(sphere), mStretch(stretch), mFrom(from), mFilter(filter) {}
+
+    /// Half the edge of a cube about the centre that holds the centres of all who may be meant, of
+    /// those who reach no further than `reach`.
+    float Half(float reach) const {
+        const Vector3& c = mSphere.center;
+        return (mSphere.reach + mStretch * reach) * 1.00001f +
+               0.000001f * (std::abs(c.x) + std::abs(c.y) + std::abs(c.z));
+    }
+    const Vector3& Center() const { return mSphere.center; }
+
+    /// Appends the ids of `begin` to `end`, and perhaps of up to three that stand behind.
+    template <typename Lanes>
+    void Ask(const Lanes& lanes, std::size_t begin, std::size_t end, std::vector<int>& out) {
+        const float *const xs = lanes.x.data(), *const ys = lanes.y.data(),
+                           *const zs = lanes.z.data(), *const reaches = lanes.reach.data();
+        const int* const ids = lanes.id.data();
+        const Float4 x = AllFour(mSphere.center.x), y = AllFour(mSphere.center.y),
+                     z = AllFour(mSphere.center.z), own = AllFour(mSphere.reach),
+                     stretch = AllFour(mStretch);
+        const Int4 from{mFrom, mFrom, mFrom, mFrom};
+        for (std::size_t i = begin; i < end; i += 4) {
+            const Four four{LoadFour(xs + i), LoadFour(ys + i), LoadFour(zs + i),
+                            LoadFour(reaches + i)};
+            const Float4 dx = four.x - x, dy = four.y - y, dz = four.z - z;
+            const Float4 sum = own + stretch * four.reach;
+            const Int4 id = LoadFour(ids + i);
+            Int4 meets = (dx * dx + dy * dy + dz * dz <= sum * sum) & (id >= from);
+            if (!LaneBits(meets))
+                continue;
+            meets &= mFilter(four);
+            for (unsigned int bits = LaneBits(meets); bits; bits &= bits - 1)
+                out.push_back(ids[i + static_cast<unsigned int>(std::countr_zero(bits))]);
+        }
+    }
+
+private:
+    const Bounds mSphere;
+    const float mStretch;
+    const int mFrom;
+    Filter mFilter;
+};
 
 } // namespace
 
 void BodyGroup::Lanes::Resize(std::size_t size) {
     mSize = size;
-    const std::size_t room = size + 4;
+    const std::size_t room = size + 5;
     if (id.size() < room) {
         for (std::vector<float>* lane : {&x, &y, &z, &reach})
-            lane->resize(std::max(room, 2 * id.size()));
-        id.resize(x.size());
+            lane->resize(2 * room);
+        id.resize(2 * room);
     }
+    Close();
+}
+
+void BodyGroup::Lanes::Close() {
     // No question asks for so low an id.
-    std::fill_n(id.begin() + static_cast<std::ptrdiff_t>(size), 4, -1);
+    std::fill_n(id.begin() + static_cast<std::ptrdiff_t>(mSize), 4, -1);
 }
 
 void BodyGroup::Lanes::Push(Id body, const Bounds& bounds) {
-    Resize(mSize + 1);
-    Set(mSize - 1, body, bounds);
+    if (mSize + 5 > id.size())
+        Resize(mSize);
+    Set(mSize++, body, bounds);
 }
 
 void BodyGroup::Lanes::Set(std::size_t at, Id body, const Bounds& bounds) {
@@ -147,6 +166,8 @@ void BodyGroup::Add(Id id, const Bounds& bounds) {
 }
 
 void BodyGroup::Build() {
+    mAll.Close();
+    mFirst = 0;
     mGrid = mAll.Size() > ScanOnly && chooseCell();
     if (mGrid)
         sortIntoCells();
@@ -164,69 +185,59 @@ void BodyGroup::Move(int index, const Bounds& bounds) {
     }
     mOutsideIndex[at] = static_cast<int>(mOutside.Size());
     mOutside.Push(id, bounds);
-    if (mOutside.Size() > mMaxOutside)
-        Build();
+    mOutside.Close();
+    if (mOutside.Size() > mMaxOutside) {
+        mGrid = chooseCell();
+        if (mGrid)
+            sortIntoCells();
+    }
 }
 
 void BodyGroup::MeetSphere(const Bounds& sphere, int index, Id from, std::vector<Id>& out) {
-    const float half = sphere.reach + mCommonReach;
-    const Region region{sphere.center, {half, half, half}};
-    meet(SphereTest(sphere), &region, index, from, out);
+    Question question(sphere, 1.0f, from, NoFilter());
+    meet(question, index, out);
 }
 
-void BodyGroup::MeetBox(const BoxShape& box, const Bounds& bounds, int index, Id from,
-                        std::vector<Id>& out) {
-    // What the box's own rounding may add.
-    const Vector3& c = bounds.center;
-    const float slack =
-        0.000001f * (std::abs(c.x) + std::abs(c.y) + std::abs(c.z)) + 0.0001f * bounds.reach;
-    const BoxTest test(box, slack);
-
-    // Three normals of length 1 at right angles bound the region; a flat or crushed box reaches on
-    // without an end along those that it lacks.
-    const Vector3 axes[3] = {box.Normal(1), box.Normal(3), box.Normal(4)};
-    constexpr float Skew = 0.01f;
-    bool upright = true;
-    Region region{c, {}};
-    for (int i = 0; i < 3; ++i) {
-        const Vector3& axis = axes[i];
-        upright = upright && std::abs(axis.SquareLength() - 1.0f) < Skew &&
-                  std::abs(axis.DotProduct(axes[(i + 1) % 3])) < Skew;
-        const int face = i == 0 ? 1 : i + 2;
-        const float middle = axis.DotProduct(c);
-        const float half = std::max(box.high[face] - middle, middle - box.low[face]) + slack;
-        const float reach = (half + mCommonReach) * (1.0f + 4.0f * Skew);
-        region.half += Vector3(std::abs(axis.x), std::abs(axis.y), std::abs(axis.z)) * reach;
-    }
-    meet(test, upright ? &region : nullptr, index, from, out);
+void BodyGroup::MeetBox(const Bounds& bounds, const std::function<const BoxSides&()>& sides,
+                        int index, Id from, std::vector<Id>& out) {
+    // The corner of a box that is widened by a reach along each axis lies the square root of 3
+    // times as far out; the axes are good to a few hundredths.
+    constexpr float Skew = 1.03f;
+    Question question({bounds.center, bounds.reach * Skew}, 1.7320509f * Skew, from,
+                      BoxFilter(sides));
+    meet(question, index, out);
 }
 
-// Without a region the answer may lie anywhere.
-template <typename Test>
-void BodyGroup::meet(const Test& test, const Region* region, int index, Id from,
-                     std::vector<Id>& out) {
+template <typename Question>
+void BodyGroup::meet(Question& question, int index, std::vector<Id>& out) {
     const auto behind = static_cast<std::size_t>(index) + 1;
-    if (!mGrid || !region || !meetInGrid(test, *region, mAll.Size() - behind, from, out))
-        Scan(test, mAll, behind, mAll.Size(), from, out);
+    // Bodies that have asked are not asked for any more. Where many are passed over, they leave the
+    // grid when they are half of it.
+    const std::size_t left = mAll.Size() - behind;
+    if (mGrid && left < (mAll.Size() - mFirst) / 2 && mVisited > 32 * left) {
+        mFirst = behind;
+        sortIntoCells();
+    }
+    if (!mGrid || !meetInGrid(question, left, out))
+        question.Ask(mAll, behind, mAll.Size(), out);
 }
 
 // False, with nothing appended, where a scan costs less.
-template <typename Test>
-bool BodyGroup::meetInGrid(const Test& test, const Region& region, std::size_t scanCost, Id from,
-                           std::vector<Id>& out) const {
-    const Vector3& c = region.center;
-    const float slack = 0.000001f * (std::abs(c.x) + std::abs(c.y) + std::abs(c.z));
-    const Vector3 half = region.half * 1.00001f + Vector3(slack, slack, slack);
-    const Bounds extremes[2] = {{c - half, 0.0f}, {c + half, 0.0f}};
-    if (!isCommon(extremes[0]) || !isCommon(extremes[1]))
+template <typename Question>
+bool BodyGroup::meetInGrid(Question& question, std::size_t scanCost, std::vector<Id>& out) {
+    const float half = question.Half(mCommonReach);
+    const Vector3 corner(half, half, half);
+    const Bounds lowest{question.Center() - corner, 0.0f};
+    const Bounds highest{question.Center() + corner, 0.0f};
+    if (!isCommon(lowest) || !isCommon(highest))
         return false;
-    const Cell low = cellOf(extremes[0].center);
-    const Cell high = cellOf(extremes[1].center);
+    const Cell low = cellOf(lowest.center);
+    const Cell high = cellOf(highest.center);
     const std::size_t buckets = mBucketStart.size() - 1;
     const auto run = static_cast<std::size_t>(high.x - low.x + 1);
     const std::size_t rows =
         static_cast<std::size_t>(high.y - low.y + 1) * static_cast<std::size_t>(high.z - low.z + 1);
-    std::size_t cost = (rows + mOutside.Size() / RowCost) * RowCost;
+    std::size_t cost = rows * RowCost + mOutside.Size();
     if (run > buckets || cost >= scanCost)
         return false;
 
@@ -234,9 +245,10 @@ bool BodyGroup::meetInGrid(const Test& test, const Region& region, std::size_t s
     const auto visit = [&](std::size_t first, std::size_t last) {
         const auto begin = static_cast<std::size_t>(mBucketStart[first]);
         const auto end = static_cast<std::size_t>(mBucketStart[last]);
+        mVisited += end - begin;
         cost += (end - begin) * VisitCost;
         if (cost < scanCost)
-            Scan(test, mSorted, begin, end, from, out);
+            question.Ask(mSorted, begin, end, out);
     };
     for (int z = low.z; z <= high.z; ++z) {
         for (int y = low.y; y <= high.y; ++y) {
@@ -252,7 +264,7 @@ bool BodyGroup::meetInGrid(const Test& test, const Region& region, std::size_t s
             return false;
         }
     }
-    Scan(test, mOutside, 0, mOutside.Size(), from, out);
+    question.Ask(mOutside, 0, mOutside.Size(), out);
 
     // Cells that share a bucket, and steps of four, bring some twice.
     const auto begin = out.begin() + static_cast<std::ptrdiff_t>(before);
@@ -279,18 +291,19 @@ bool BodyGroup::chooseCell() {
     for (std::size_t i = 0; i < mAll.Size(); ++i)
         if (mAll.reach[i] <= limit)
             mCommonReach = std::max(mCommonReach, mAll.reach[i]);
-    mCell = 2.0f * mCommonReach;
+    mCell = 2.6f * mSpread * mCommonReach;
     return std::isnormal(mCell) && std::isnormal(1.0f / mCell);
 }
 
 void BodyGroup::sortIntoCells() {
     const std::size_t count = mAll.Size();
-    const std::size_t buckets = std::bit_ceil(2 * count);
+    const std::size_t buckets = std::bit_ceil(2 * (count - mFirst));
     mBucketStart.assign(buckets + 1, 0);
     mBucket.resize(count);
     mOutsideIndex.assign(count, -1);
+    mVisited = 0;
     mOutside.Resize(0);
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = mFirst; i < count; ++i) {
         const Bounds bounds = mAll.At(i);
         if (isCommon(bounds)) {
             const Cell cell = cellOf(bounds.center);
@@ -304,15 +317,26 @@ void BodyGroup::sortIntoCells() {
             mOutside.Push(mAll.id[i], bounds);
         }
     }
+    mOutside.Close();
     mMaxOutside = mOutside.Size() + 8 * static_cast<std::size_t>(std::sqrt(count));
 
     // From the last to the first, each bucket's start moves down to where it belongs, and bodies of
     // a bucket keep their order.
     int end = 0;
-    for (int& start : mBucketStart)
+    std::size_t company = 0;
+    for (int& start : mBucketStart) {
+        company += static_cast<std::size_t>(start) * static_cast<std::size_t>(start);
         start = end += start;
+    }
+    // Where a body has little company in its cell, a question costs more for its rows of cells than
+    // for who stands in them; worlds change slowly, so the next grid learns from this one.
+    const auto sorted = static_cast<std::size_t>(end);
+    if (company < 3 * sorted)
+        mSpread = std::min(mSpread * 1.25f, 4.0f);
+    else if (company > 6 * sorted)
+        mSpread = std::max(mSpread / 1.25f, 1.0f);
     mSorted.Resize(static_cast<std::size_t>(end));
-    for (std::size_t i = count; i-- > 0;)
+    for (std::size_t i = count; i-- > mFirst;)
         if (mBucket[i] >= 0)
             mSorted.Set(
                 static_cast<std::size_t>(--mBucketStart[static_cast<std::size_t>(mBucket[i])]),

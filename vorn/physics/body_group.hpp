@@ -13,6 +13,7 @@
 #include "vorn/math/vector3.hpp"
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 namespace Vorn {
@@ -36,12 +37,14 @@ public:
     /// The bounds of a body that has moved. `index` counts the calls of Add.
     void Move(int index, const Bounds& bounds);
 
-    /// Appends the ids from `from` on, of bodies whose spheres meet the sphere, ascending.
+    /// Appends the ids from `from` on of those later than `index` whose spheres meet the sphere,
+    /// ascending.
     void MeetSphere(const Bounds& sphere, int index, Id from, std::vector<Id>& out);
-    /// The same for those that no face of the box keeps off. Its normals need not be of length 1;
-    /// `bounds` are the box's own.
-    void MeetBox(const BoxShape& box, const Bounds& bounds, int index, Id from,
-                 std::vector<Id>& out);
+    /// The same for those whose spheres reach into the box along each of its axes. `sides` is asked
+    /// once, where there are any in the neighbourhood at all. An axis that has no length keeps
+    /// nobody off; a box that lacks one has `bounds` without an end.
+    void MeetBox(const Bounds& bounds, const std::function<const BoxSides&()>& sides, int index,
+                 Id from, std::vector<Id>& out);
 
     /// All of them, ascending.
     const Id* begin() const { return mAll.id.data(); }
@@ -56,7 +59,9 @@ private:
 
         std::size_t Size() const { return mSize; }
         void Resize(std::size_t size);
+        /// Call Close before the next question.
         void Push(Id body, const Bounds& bounds);
+        void Close();
         void Set(std::size_t at, Id body, const Bounds& bounds);
         Bounds At(std::size_t at) const { return {{x[at], y[at], z[at]}, reach[at]}; }
 
@@ -67,17 +72,10 @@ private:
         int x, y, z;
     };
 
-    /// Where the centres of common bodies that a question may meet stand.
-    struct Region {
-        Vector3 center;
-        Vector3 half;
-    };
-
-    template <typename Test>
-    void meet(const Test& test, const Region* region, int index, Id from, std::vector<Id>& out);
-    template <typename Test>
-    bool meetInGrid(const Test& test, const Region& region, std::size_t scanCost, Id from,
-                    std::vector<Id>& out) const;
+    template <typename Question>
+    void meet(Question& question, int index, std::vector<Id>& out);
+    template <typename Question>
+    bool meetInGrid(Question& question, std::size_t scanCost, std::vector<Id>& out);
     bool chooseCell();
     void sortIntoCells();
     bool isCommon(const Bounds& bounds) const;
@@ -89,9 +87,12 @@ private:
     Lanes mOutside; // not in the grid, or not where they stand in it
 
     bool mGrid = false;
+    std::size_t mFirst = 0;    // bodies before it are not in the grid
     float mCell = 1.0f;        // edge of a cell
+    float mSpread = 1.0f;      // how much wider than need be cells are
     float mCommonReach = 0.0f; // no body in the grid reaches further
     std::size_t mMaxOutside = 0;
+    std::size_t mVisited = 0;       // since the bodies were sorted
     std::vector<int> mBucketStart;  // of each bucket, in mSorted; one more behind the last
     std::vector<int> mBucket;       // of each body, -1 outside
     std::vector<int> mOutsideIndex; // of each body, -1 while it stands in the grid only

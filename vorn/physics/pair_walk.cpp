@@ -2,6 +2,7 @@
 #include "vorn/physics/pair_walk.hpp"
 
 #include "vorn/math/intersection.hpp"
+#include "vorn/physics/body_volume.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/scene/entity.hpp"
 
@@ -14,6 +15,23 @@
 namespace Vorn {
 
 PairWalk* PairWalk::sRunning = nullptr;
+
+namespace {
+
+// Whether rounding, or a rule for axes that are short or lie along Y, leaves the box three good
+// axes. It may be wrong where it says no.
+bool IsUpright(const Vector3& p, const Vector3& o, const Vector3& size) {
+    const float length = o.SquareLength();
+    const bool alongY = std::abs(1.0f - o.y) < 0.00002f;
+    const float aside = alongY ? std::min(o.x * o.x, o.y * o.y) + o.z * o.z : o.x * o.x + o.z * o.z;
+    const float least = std::min({std::abs(size.x), std::abs(size.y), std::abs(size.z)});
+    const float farthest = std::abs(p.x) + std::abs(p.y) + std::abs(p.z) + std::abs(size.x) +
+                           std::abs(size.y) + std::abs(size.z);
+    return length > 1e-6f && length < 1e12f && aside > 1e-3f * length && least > 0.01f &&
+           least > 1e-4f * farthest && farthest < 1e12f;
+}
+
+} // namespace
 
 void PairWalk::Run(const std::list<PhysicsCmpt*>& cmpts) {
     struct Entered {
@@ -118,7 +136,12 @@ void PairWalk::read(Body& body) const {
     body.mask = cmpt.mMask;
     body.category = cmpt.mCategory;
     body.velocity = cmpt.mLinearVelocity;
-    body.sphere = cmpt.BoundingSphere();
+    const Entity& entity = *body.entity;
+    body.size = BodySize(entity.Scale(), cmpt.mScaleFactor);
+    body.sphere = BodySphere(entity.Position(), body.size);
+    body.orientation = entity.Orientation();
+    body.angle = entity.Angle();
+    body.upright = IsUpright(entity.Position(), body.orientation, body.size);
 }
 
 // Wide enough for all that rounding does to corners and distances. A sphere that may be swept
@@ -132,15 +155,16 @@ Bounds PairWalk::boundsOf(const Body& body) const {
     return {c, std::isfinite(reach) ? reach : std::numeric_limits<float>::infinity()};
 }
 
-const BoxShape& PairWalk::shapeOf(Id id) {
+const PairWalk::Shape& PairWalk::shapeOf(Id id) {
     Body& box = body(id);
     // The shapes of strays are needed two at a time, and kept no longer.
-    BoxShape& shape = box.stray ? mStrayShapes[mLastStrayShape ^= 1]
-                                : mShapes[static_cast<std::size_t>(box.index)];
+    Shape& shape = box.stray ? mStrayShapes[mLastStrayShape ^= 1]
+                             : mShapes[static_cast<std::size_t>(box.index)];
     if (!box.shaped || box.stray) {
-        SetCorners(shape, box.cmpt->boxTransform(), box.cmpt->size());
-        SetNormals(shape);
-        Project(shape, shape, shape.low, shape.high);
+        shape.corners =
+            CornersOf(BodyTransform(box.sphere.center, box.orientation, box.angle), box.size);
+        shape.sides.axes = AxesOf(shape.corners);
+        shape.sides.reach = Project(shape.corners, shape.sides.axes);
         box.shaped = true;
     }
     return shape;
@@ -180,10 +204,17 @@ void PairWalk::findCandidates(Id i, Id from) {
         std::iota(mCandidates.begin(), mCandidates.end(), from);
         return;
     }
-    if (a.kind == Kind::Sphere)
-        mSpheres.MeetSphere(boundsOf(a), a.index, from, mCandidates);
-    else if (!a.dynamic)
-        mBoxes.MeetBox(shapeOf(i), boundsOf(a), a.index, from, mCandidates);
+    Bounds bounds = boundsOf(a);
+    if (a.kind == Kind::Sphere) {
+        mSpheres.MeetSphere(bounds, a.index, from, mCandidates);
+    } else if (!a.dynamic) {
+        // A box that lacks an axis, or may, reaches on along it without an end.
+        if (!a.upright)
+            bounds.reach = std::numeric_limits<float>::infinity();
+        mBoxes.MeetBox(
+            bounds, [this, i]() -> const BoxSides& { return shapeOf(i).sides; }, a.index, from,
+            mCandidates);
+    }
 
     const BodyGroup& others = a.kind == Kind::Sphere ? mBoxes : mSpheres;
     const std::vector<Id>& swept = a.kind == Kind::Sphere ? mDynamicBoxes : mDynamicSpheres;
@@ -213,12 +244,30 @@ bool PairWalk::hits(Id i, Id j) {
         return dynamic ? DynamicSphereToSphere(a.sphere, a.velocity, b.sphere, b.velocity)
                        : SphereSphere(a.sphere, b.sphere);
     if (a.kind == Kind::Box && b.kind == Kind::Box)
-        return !dynamic && Overlap(shapeOf(i), shapeOf(j));
-    if (!dynamic)
-        return false;
-    return a.kind == Kind::Sphere
-               ? SphereReachesFaces(a.sphere, a.velocity - b.velocity, shapeOf(j))
-               : SphereReachesFaces(b.sphere, b.velocity - a.velocity, shapeOf(i));
+        return !dynamic && boxesHit(i, j);
+    return dynamic && (a.kind == Kind::Box ? facesHit(i, j) : facesHit(j, i));
+}
+
+// OBBToOBB.
+bool PairWalk::boxesHit(Id i, Id j) {
+    const Shape& a = shapeOf(i);
+    return Overlap(a.sides.reach, Project(shapeOf(j).corners, a.sides.axes));
+}
+
+// DynamicSphereToOBB.
+bool PairWalk::facesHit(Id box, Id sphere) {
+    const Shape& shape = shapeOf(box);
+    const Body& ball = body(sphere);
+    const Vector3 v = ball.velocity - body(box).velocity;
+    for (int face = 0; face < 6; ++face) {
+        const Vector3 axis = shape.sides.axes.At(AxisOfFace[face]);
+        float t, side;
+        if (SphereReachesPlane(ball.sphere, v, shape.corners.At(FirstCornerOfFace[face]),
+                               IsOpposite[face] ? -axis : axis, t, side) &&
+            t < 1.0f)
+            return true;
+    }
+    return false;
 }
 
 void PairWalk::report(Id i, Id j) {

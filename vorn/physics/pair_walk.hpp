@@ -52,13 +52,23 @@ private:
         std::bitset<64> category;
         Sphere sphere;
         Vector3 velocity;
+        Vector3 size;
+        Vector3 orientation;
+        float angle = 0.0f;
         Kind kind = Kind::None;
         bool dynamic = false;
         bool touched = false; // to be read anew
         bool stray = false;   // in no group, or in one that it no longer belongs to: may meet all
+        bool upright = false; // a box whose three axes are sure to be of length 1, at right angles
         bool shaped = false;  // its shape is known
         int index = -1;       // in its group
         Id next = -1;         // the next body of the same entity
+    };
+
+    /// A box as it is asked by those before it, and as it asks those after it.
+    struct Shape {
+        BoxCorners corners;
+        BoxSides sides;
     };
 
     void gather(const std::list<PhysicsCmpt*>& cmpts);
@@ -66,13 +76,15 @@ private:
     void link(Id id);
     void read(Body& body) const;
     Bounds boundsOf(const Body& body) const;
-    const BoxShape& shapeOf(Id id);
+    const Shape& shapeOf(Id id);
     BodyGroup& groupOf(const Body& body);
 
     void walkRow(Id i);
     void findCandidates(Id i, Id from);
     void addCandidates(const Id* begin, const Id* end, Id from);
     bool hits(Id i, Id j);
+    bool boxesHit(Id i, Id j);
+    bool facesHit(Id box, Id sphere);
     void report(Id i, Id j);
     std::size_t settle(Id i, Id j, std::size_t cursor);
     bool refresh(Id id);
@@ -88,8 +100,8 @@ private:
     const PhysicsSystem* mSystem;
     PairWalk* mOuter = nullptr;
     std::vector<Body> mBodies;
-    std::vector<BoxShape> mShapes; // of each body of mBoxes
-    BoxShape mStrayShapes[2];
+    std::vector<Shape> mShapes; // of each body of mBoxes
+    Shape mStrayShapes[2];
     int mLastStrayShape = 0;
     BodyGroup mBoxes, mSpheres;
     std::vector<Id> mDynamicBoxes, mDynamicSpheres;

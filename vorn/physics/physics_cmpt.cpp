@@ -3,6 +3,7 @@
 
 #include "vorn/core/data_error.hpp"
 #include "vorn/core/json.hpp"
+#include "vorn/physics/body_volume.hpp"
 #include "vorn/physics/pair_walk.hpp"
 #include "vorn/physics/physics_system.hpp"
 #include "vorn/scene/entity.hpp"
@@ -156,11 +157,14 @@ AABB PhysicsCmpt::BoundingAABB() const {
 }
 
 OBB PhysicsCmpt::BoundingOBB() const {
-    return {boxTransform(), size()};
+    if (!Parent())
+        return {Matrix4::Identity, Vector3()};
+    return {BodyTransform(Parent()->Position(), Parent()->Orientation(), Parent()->Angle()),
+            size()};
 }
 
 Sphere PhysicsCmpt::BoundingSphere() const {
-    return {Position(), (size() / 2).Length()};
+    return BodySphere(Position(), size());
 }
 
 void PhysicsCmpt::touched() const {
@@ -168,18 +172,7 @@ void PhysicsCmpt::touched() const {
 }
 
 Vector3 PhysicsCmpt::size() const {
-    const Vector3 scale = Scale();
-    return {scale.x * mScaleFactor.x, scale.y * mScaleFactor.y, scale.z * mScaleFactor.z};
-}
-
-Matrix4 PhysicsCmpt::boxTransform() const {
-    if (!Parent())
-        return Matrix4::Identity;
-    Matrix4 rotation = Matrix4::RotationAxisAngle(Parent()->Orientation(), Parent()->Angle());
-    rotation *= Matrix4::RotationAxisAlignZ(Parent()->Orientation());
-    rotation.Transpose();
-    rotation.Translate(Parent()->Position());
-    return rotation;
+    return BodySize(Scale(), mScaleFactor);
 }
 
 void PhysicsCmpt::copyTraits(const PhysicsCmpt& source) {

@@ -128,7 +128,6 @@ private:
 
     void touched() const;
     Vector3 size() const;
-    Matrix4 boxTransform() const;
     void copyTraits(const PhysicsCmpt& source);
 
     FunctorBase1* mResponse = nullptr;

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+//
+// Four floats at a time, by the vector types that gcc and clang share: below the geometry, not for
+// hosts. Each lane computes as a float alone does.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace Vorn {
+
+using Float4 = float __attribute__((vector_size(16)));
+/// What a comparison of Float4 gives: all bits of a lane, or none.
+using Int4 = std::int32_t __attribute__((vector_size(16)));
+
+inline Float4 LoadFour(const float* p) {
+    Float4 v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+inline Int4 LoadFour(const std::int32_t* p) {
+    Int4 v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+inline Float4 AllFour(float f) {
+    return Float4{f, f, f, f};
+}
+
+/// A bit for each lane that is set.
+inline unsigned int LaneBits(const Int4& mask) {
+#ifdef __SSE2__
+    return static_cast<unsigned int>(_mm_movemask_ps(__builtin_bit_cast(__m128, mask)));
+#else
+    return (mask[0] & 1u) | (mask[1] & 2u) | (mask[2] & 4u) | (mask[3] & 8u);
+#endif
+}
+
+} // namespace Vorn
