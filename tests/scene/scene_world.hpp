@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <json/json.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
