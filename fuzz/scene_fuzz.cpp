@@ -13,7 +13,7 @@ namespace {
 void RunFrames(Vorn::Scene& scene) {
     scene.Init();
     for (int frame = 0; frame < 40; ++frame)
-        scene.Update(0.1f);
+        Worlds::RunFrame(scene);
 }
 
 } // namespace

@@ -32,12 +32,20 @@ public:
 };
 
 void Run(Vorn::SceneManager& manager, CountingScene& scene, int seconds) {
+    Vorn::PhysicsSystem& physics = *Vorn::PhysicsSystem::Instance();
+    physics.Init();
     for (int second = 1; second <= seconds; ++second) {
         scene.created = scene.destroyed = 0;
-        for (int frame = 0; frame < FramesPerSecond; ++frame)
+        const std::size_t meetings = Worlds::Walker::Meetings();
+        const std::size_t startled = Worlds::Walker::Startled();
+        for (int frame = 0; frame < FramesPerSecond; ++frame) {
             manager.Update(Step);
-        std::printf("second %2d: %3zu entities, %2d created, %2d destroyed, state %016llx\n",
+            physics.Update(Step);
+        }
+        std::printf("second %2d: %3zu entities, %2d created, %2d destroyed, %3zu collisions, "
+                    "%zu birds startled, state %016llx\n",
                     second, scene.EntityList().size(), scene.created, scene.destroyed,
+                    Worlds::Walker::Meetings() - meetings, Worlds::Walker::Startled() - startled,
                     static_cast<unsigned long long>(Worlds::StateHash(scene)));
     }
 }

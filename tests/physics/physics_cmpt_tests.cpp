@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "tests/entity/layer_twin.hpp"
 #include "tests/math/exact.hpp"
 #include "tests/support/temp_folder.hpp"
 #include "vorn/vorn.hpp"
@@ -17,7 +16,6 @@ namespace {
 
 using namespace Exact;
 using namespace Vorn;
-using EntityTests::Parse;
 
 const std::string Everything =
     R"({"Mass": 2.5, "Drag": false, "DynamicCheck": true, "Category": "A", "Mask": "ALL - A",
@@ -50,7 +48,7 @@ protected:
         mCmpt = mEntity.Physics();
     }
     void Read(const std::string& text, bool master) {
-        mCmpt->DeserializeValue(Parse(text), master);
+        mCmpt->DeserializeValue(ParseJson(text), master);
     }
     static Json::Value Written(const PhysicsCmpt& cmpt, bool master) {
         Json::Value out(Json::objectValue);
@@ -142,11 +140,11 @@ TEST_F(PhysicsCmptData, SetsAreWrittenAsASumOrAsWhatAllLacks) {
 TEST_F(PhysicsCmptData, AnEmptyObjectSelectsNoneAndKeepsTheRest) {
     const std::string start = R"({"Category": "NONE", "DynamicCheck": false, "Drag": true,
         "Mask": "NONE", "Mass": 1.0, "ScaleFactor": {"X": 1.0, "Y": 1.0, "Z": 1.0}, "Type": 0})";
-    EXPECT_EQ(Written(*mCmpt, true).toStyledString(), Parse(start).toStyledString());
+    EXPECT_EQ(Written(*mCmpt, true).toStyledString(), ParseJson(start).toStyledString());
     Read(Everything, true);
     Read("{}", false);
     EXPECT_EQ(Written(*mCmpt, false).toStyledString(),
-              Parse(R"({"Category": "NONE", "Mask": "NONE", "Type": 0})").toStyledString());
+              ParseJson(R"({"Category": "NONE", "Mask": "NONE", "Type": 0})").toStyledString());
     EXPECT_EQ(mCmpt->Mass(), 2.5f);
     Read(R"({"Mask": "", "ScaleFactor": {}})", false);
     EXPECT_EQ(mCmpt->Mask().to_ulong(), 0u);
@@ -156,11 +154,11 @@ TEST_F(PhysicsCmptData, AnEmptyObjectSelectsNoneAndKeepsTheRest) {
 TEST_F(PhysicsCmptData, EachParameterHasAFlagOfItsOwn) {
     // So far no file named the scale factor.
     ExpectRaises<std::out_of_range>("invalid map<K, T> key", [&] { Differences(); });
-    const Json::Value changes = Parse(
+    const Json::Value changes = ParseJson(
         R"({"Mass": 3, "Drag": true, "DynamicCheck": false, "Category": "B", "Mask": "A",
             "Type": "Box", "ScaleFactor": {"Y": 4}})");
     for (const std::string& key : changes.getMemberNames()) {
-        Json::Value over = Parse(Everything);
+        Json::Value over = ParseJson(Everything);
         Read(Everything, true);
         Read(Everything, false);
         EXPECT_EQ(Differences(), "");
@@ -180,7 +178,7 @@ TEST_F(PhysicsCmptData, AFaultLeavesWhatWasReadBeforeIt) {
         {"Category", "C"}, {"Mask", "A+B"}, {"Type", "Cone"}};
     for (std::size_t fault = 0; fault < 3; ++fault) {
         Read("{}", true);
-        Json::Value root = Parse(Everything);
+        Json::Value root = ParseJson(Everything);
         root[faults[fault].first] = faults[fault].second;
         ExpectRaises<std::out_of_range>(NoKey, [&] { mCmpt->DeserializeValue(root, true); });
         EXPECT_EQ(mCmpt->Mass(), 2.5f);
@@ -205,7 +203,7 @@ TEST_F(PhysicsCmptData, ConformTakesTheParametersAndNothingOfTheMotion) {
     mCmpt->RegisterCollisionResponse(&response);
     mCmpt->LinearVelocity(Vector3(4, 5, 6));
     PhysicsCmpt source(&mEntity);
-    source.DeserializeValue(Parse(R"({"Mass": 9, "Category": "B", "ScaleFactor": {"X": 7}})"),
+    source.DeserializeValue(ParseJson(R"({"Mass": 9, "Category": "B", "ScaleFactor": {"X": 7}})"),
                             true);
     source.LinearVelocity(Vector3(7, 8, 9));
     mCmpt->Conform(source);

@@ -8,8 +8,9 @@ namespace {
 using Worlds::Meadow;
 
 std::uint64_t HashAfter(Vorn::Scene& scene, int frames) {
+    Vorn::PhysicsSystem::Instance()->Init();
     for (int frame = 0; frame < frames; ++frame)
-        scene.Update(1.0f / 60.0f);
+        Worlds::RunFrame(scene);
     return Worlds::StateHash(scene);
 }
 
@@ -21,7 +22,7 @@ TEST(MeadowWorld, EndsInTheSameStateInEveryBuildAndAfterARestart) {
         scene.Init();
         EXPECT_EQ(scene.EntityList().size(), 300u);
         // The one number, with either compiler, optimised or not.
-        EXPECT_EQ(HashAfter(scene, 480), 0x642d8a6cdf23ee02u);
+        EXPECT_EQ(HashAfter(scene, 480), 0x80ea03172cbf72cbu);
         scene.Deinit();
         EXPECT_EQ(meadow.Out(), 0u);
     }
@@ -34,11 +35,11 @@ TEST(MeadowWorld, GoesOnFromAFileAsFromItself) {
     scene.Init();
     HashAfter(scene, 200);
     const std::string text = scene.Serialize();
-    Vorn::Scene again;
-    again.Deserialize(text);
-    again.Init();
-    EXPECT_EQ(HashAfter(again, 200), HashAfter(scene, 200));
-    again.Deinit();
+    const std::uint64_t itself = HashAfter(scene, 200);
+    scene.Deinit();
+    scene.Deserialize(text);
+    scene.Init();
+    EXPECT_EQ(HashAfter(scene, 200), itself);
     scene.Deinit();
 }
 

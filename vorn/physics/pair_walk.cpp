@@ -68,6 +68,9 @@ void PairWalk::Append(const PhysicsSystem* system, PhysicsCmpt* cmpt) {
         const Id id = walk->add(cmpt);
         walk->body(id).stray = true;
         walk->mStrays.push_back(id);
+        // An outer walk links all of its bodies anew when the inner one has ended.
+        if (walk == sRunning)
+            walk->link(id);
         walk->markTouched(id);
     }
 }
@@ -82,6 +85,7 @@ void PairWalk::gather(const std::list<PhysicsCmpt*>& cmpts) {
     for (PhysicsCmpt* cmpt : cmpts) {
         const Id id = add(cmpt);
         Body& added = body(id);
+        link(id);
         read(added);
         if (added.dynamic && added.kind != Kind::None)
             (added.kind == Kind::Box ? mDynamicBoxes : mDynamicSpheres).push_back(id);
@@ -103,7 +107,6 @@ PairWalk::Id PairWalk::add(PhysicsCmpt* cmpt) {
     Body& added = mBodies.emplace_back();
     added.cmpt = cmpt;
     added.entity = cmpt->Parent();
-    link(count() - 1);
     return count() - 1;
 }
 

@@ -5,21 +5,31 @@
 
 #include <cmath>
 #include <random>
+#include <utility>
 
 namespace Worlds {
 
 using Vorn::Vector3;
 
+std::size_t Walker::sMeetings = 0;
+std::size_t Walker::sStartled = 0;
+
 void Walker::DeserializeValue(const Json::Value& root, bool master) {
     Entity::DeserializeValue(root, master);
     dsParamVector3(mVelocity, Vorn::JsonObject(root, "Velocity"), master);
     dsParam(mLife, Vorn::JsonFloat(root, "Life", mLife), master);
+    mStays = mLife <= 0.0f;
 }
 
 void Walker::SerializeValue(Json::Value& out, bool master) const {
     Entity::SerializeValue(out, master);
     seParamVector3(out, "Velocity", mVelocity, master);
     seParam(out, "Life", mLife, master);
+}
+
+void Walker::Init() {
+    if (Physics())
+        Physics()->RegisterCollisionResponse(this);
 }
 
 void Walker::Update(float dt) {
@@ -38,8 +48,29 @@ void Walker::Update(float dt) {
     if (mLife > 0.0f) {
         mLife -= dt;
         if (mLife <= 0.0f)
-            Scene()->DestroyEntity(this, false);
+            leave();
     }
+}
+
+void Walker::operator()(Vorn::CollisionData* data) {
+    const auto* other = dynamic_cast<const Walker*>(data->other->Parent());
+    if (!other)
+        return;
+    ++sMeetings;
+    if (mStays && other->mStays) {
+        const Vector3 away = Position() - other->Position();
+        mVelocity.x = std::copysign(mVelocity.x, away.x);
+        mVelocity.z = std::copysign(mVelocity.z, away.z);
+    } else if (!mStays && !mLeaving) {
+        ++sStartled;
+        leave();
+    }
+}
+
+// The pair walk, and the walk along the scene, hold the entity: it goes at the end of the frame.
+void Walker::leave() {
+    if (!std::exchange(mLeaving, true))
+        Scene()->DestroyEntity(this, false);
 }
 
 void Walker::Conform(const Entity* source) {
@@ -47,6 +78,8 @@ void Walker::Conform(const Entity* source) {
     const auto& walker = dynamic_cast<const Walker&>(*source);
     mVelocity = walker.mVelocity;
     mLife = walker.mLife;
+    mStays = walker.mStays;
+    mLeaving = false;
 }
 
 void Follower::DeserializeValue(const Json::Value& root, bool master) {
@@ -128,6 +161,7 @@ Meadow::Meadow(const std::string& data) {
     factory.Register("sheep", &mWalkers);
     factory.Register("lamb", &mFollowers);
     factory.Register("nest", &mNests);
+    Vorn::PhysicsSystem::Instance()->LoadPhysicsInfo(data + "/physics.json");
     factory.LoadEntities((data + "/entity").c_str());
 }
 
@@ -183,6 +217,12 @@ std::string Meadow::SceneText(unsigned int entities) {
         text += (i == 0 ? "\n" : ",\n") + Json::writeString(lines, item);
     }
     return text + "\n]\n}\n";
+}
+
+void RunFrame(Vorn::Scene& scene) {
+    constexpr float Step = 1.0f / 60.0f;
+    scene.Update(Step);
+    Vorn::PhysicsSystem::Instance()->Update(Step);
 }
 
 std::uint64_t StateHash(Vorn::Scene& scene) {

@@ -18,22 +18,38 @@ namespace Worlds {
 
 /// Walks straight on and turns back at the edge of the meadow. One with a span of life leaves the
 /// scene by itself.
-class Walker : public Vorn::Entity {
+///
+/// It has a body, and hears of collisions: two that stay turn away from each other, and one with a
+/// span of life is startled by one that stays and leaves at the end of the frame.
+class Walker : public Vorn::Entity, public Vorn::FunctorBase1 {
 public:
     /// Half the edge of the meadow (unit: metres).
     static constexpr float Edge = 100.0f;
 
     void DeserializeValue(const Json::Value& root, bool master) override;
     void SerializeValue(Json::Value& out, bool master) const override;
+    void Init() override;
     void Update(float dt) override;
     void Conform(const Vorn::Entity* source) override;
+    void operator()(Vorn::CollisionData* data) override;
+
+    /// Collisions that walkers heard of so far, and those of them that were startled.
+    static std::size_t Meetings() { return sMeetings; }
+    static std::size_t Startled() { return sStartled; }
 
     const Vorn::Vector3& Velocity() const { return mVelocity; }
     void Velocity(const Vorn::Vector3& velocity) { mVelocity = velocity; }
 
 private:
+    void leave();
+
+    static std::size_t sMeetings;
+    static std::size_t sStartled;
+
     Vorn::Vector3 mVelocity; // (unit: metres / second)
     float mLife = 0.0f;      // (unit: seconds), 0 for ever
+    bool mStays = true;      // it has no span of life
+    bool mLeaving = false;
 };
 
 /// Keeps its place beside another entity, which it finds by name.
@@ -67,7 +83,8 @@ private:
 /// The pools of the meadow's entities, registered with the factory for as long as the object lives.
 class Meadow {
 public:
-    /// Raises what EntityFactory::LoadEntities raises. `data` is the folder worlds/meadow.
+    /// Raises what PhysicsSystem::LoadPhysicsInfo and EntityFactory::LoadEntities raise. `data` is
+    /// the folder worlds/meadow.
     explicit Meadow(const std::string& data = "worlds/meadow");
     Meadow(const Meadow&) = delete;
     Meadow& operator=(const Meadow&) = delete;
@@ -84,6 +101,9 @@ private:
     Vorn::EntityPool<Follower> mFollowers;
     Vorn::EntityPool<Nest> mNests;
 };
+
+/// A frame of 1/60 second of a scene that runs without the scene manager, the physics included.
+void RunFrame(Vorn::Scene& scene);
 
 /// The state of a running scene as far as a scene file holds it. The scene's description becomes
 /// that state.
