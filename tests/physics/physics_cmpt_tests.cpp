@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/entity/layer_twin.hpp"
+#include "tests/entity/flock.hpp"
 #include "tests/math/exact.hpp"
 #include "tests/support/temp_folder.hpp"
 #include "vorn/vorn.hpp"
