@@ -2,6 +2,7 @@
 //
 // What allocates nothing. The program replaces the global operator new, the library's too, and
 // counts. The forms for arrays go through these two.
+#include "tests/support/physics_names.hpp"
 #include "worlds/meadow/meadow.hpp"
 #include "vorn/vorn.hpp"
 
@@ -76,6 +77,7 @@ TEST(Allocation, NoneInTheUpdateOfManyEntities) {
 }
 
 TEST(Allocation, NoneInAWarmFetchAndReturn) {
+    Tests::EnterPhysicsNames();
     // Names beyond what a string holds in itself; components that one template has and another
     // lacks.
     const std::string names[] = {"master", std::string(40, 'o'), std::string(40, 't')};

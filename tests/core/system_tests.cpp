@@ -112,8 +112,9 @@ void ExpectRegistrationRules(bool erasesAll) {
             system.Register(probe);
         EXPECT_EQ(walk(), (Ids{2, 1, 4, 1, 2, 4, 1}));
         Probe<Cmpt> copy(copied);
-        system.Unregister(&copy);
-        system.Unregister(&stranger);
+        for (Cmpt* none : {static_cast<Cmpt*>(&copy), static_cast<Cmpt*>(&stranger),
+                           static_cast<Cmpt*>(nullptr)})
+            system.Unregister(none);
         EXPECT_EQ(walk(), (Ids{2, 1, 4, 1, 2, 4, 1}));
     }
     EXPECT_EQ(walk(), (Ids{2, 1, 1, 2, 1})) << "what dies leaves with all its entries";

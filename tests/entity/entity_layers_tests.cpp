@@ -63,11 +63,22 @@ TEST(EntityLayers, WrongTypesRaiseWithTheKeyAndTakeNothingOfTheirVector) {
              {R"({"Scale": {"X": 9, "Z": []}})", R"(double: "Z" in "Scale")"},
              {R"({"Orientation": {"Angle": ""}})", R"(double: "Angle" in "Orientation")"},
              {R"({"Orientation": 0})", R"(object: "Orientation")"},
+             {R"({"PhysicsCmpt": {"Mass": "1"}})", R"(double: "Mass" in "PhysicsCmpt")"},
              {R"({"GraphicsCmpt": true})", R"(object: "GraphicsCmpt")"},
              {R"({"EmitterCmpt": [1]})", R"(object: "EmitterCmpt")"}}) {
         EXPECT_THAT(([&entity, &bad = text] { entity.Deserialize(bad, false); }),
                     ThrowsMessage<std::runtime_error>("Type is not convertible to " + error));
         EXPECT_EQ(Write(entity, true), before);
+    }
+}
+
+TEST(MasterFlags, WriteADoubleLikeAFloatWhereJsonHasNoNumberForIt) {
+    const std::pair<double, Json::Value> cases[] = {
+        {HUGE_VAL, 1e308}, {-HUGE_VAL, -1e308}, {0.1, 0.1}, {std::nan(""), {}}};
+    for (const auto& [field, written] : cases) {
+        Json::Value out;
+        Vorn::MasterFlags().Write(out, "Field", field, true);
+        EXPECT_EQ(out["Field"], written);
     }
 }
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// A class of a host, the plain twin of its layers (one JSON object beside a map of flags), and
-// random objects to read into both.
+// A class of a host, the plain twin of its layers (JSON objects beside maps of flags), and random
+// objects to read into both.
 #pragma once
 
+#include "tests/support/physics_names.hpp"
 #include "vorn/vorn.hpp"
 
 #include <gtest/gtest.h>
@@ -14,11 +15,15 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace EntityTests {
 
 using Vorn::Entity;
 using Vorn::Vector3;
+
+const bool namesEntered = (Tests::EnterPhysicsNames(), true);
 
 constexpr std::array<const char*, 3> AxisKeys = {"X", "Y", "Z"};
 constexpr std::array<const char*, 3> VectorKeys = {"Position", "Orientation", "Scale"};
@@ -26,7 +31,9 @@ constexpr std::array<const char*, 3> CmptKeys = {"GraphicsCmpt", "PhysicsCmpt", 
 const std::string Whole =
     R"({"Type": "t", "Variant": "v", "Name": "n", "Position": {"X": 1, "Y": 2, "Z": 3},
     "Orientation": {"X": 4, "Y": 5, "Z": 6, "Angle": 7}, "Scale": {"X": 8, "Y": 9, "Z": 10},
-    "GraphicsCmpt": {}, "PhysicsCmpt": {}, "EmitterCmpt": {}})";
+    "GraphicsCmpt": {}, "EmitterCmpt": {},
+    "PhysicsCmpt": {"Mass": 11, "Drag": false, "DynamicCheck": true, "Category": "B",
+                    "Mask": "ALL - A", "Type": "Box", "ScaleFactor": {"X": 12}}})";
 
 inline Json::Value Parse(const std::string& text) {
     Json::Value root;
@@ -81,45 +88,99 @@ private:
     float mWool = 1.0f;
 };
 
-struct Twin {
-    Json::Value held = Parse(R"({"Type": "", "Variant": "master", "Name": "", "Wool": 1.0,
-                                 "Position": {"X": 0.0, "Y": 0.0, "Z": 0.0},
-                                 "Orientation": {"X": 0.0, "Y": 0.0, "Z": 0.0},
-                                 "Scale": {"X": 1.0, "Y": 1.0, "Z": 1.0}})");
-    std::map<std::string, bool> flags; // true: the template's; no entry: nobody named it
-    float angle = 0.0f;
-    std::array<bool, 3> cmpts{};
+/// Values beside their flags.
+struct Layered {
+    Json::Value held;
+    std::map<std::string, bool> flags = {}; // true: the template's; no entry: nobody named it
 
-    void DeserializeValue(const Json::Value& root, bool master) {
-        const auto put = [&](const std::string& key, const Json::Value& next) {
+    /// Each as the kind of value that is held. `rest` has what counts where a key or an axis is
+    /// missing.
+    void Read(const Json::Value& root, const Json::Value& rest, bool master) {
+        for (const std::string& key : held.getMemberNames()) {
+            Json::Value next = held[key];
+            if (next.isObject() && root[key].isNull())
+                continue;
+            for (const std::string& axis : next.isObject() ? next.getMemberNames() : Axes())
+                next[axis] = converted(root[key].get(axis, rest[key][axis]), next[axis]);
+            if (!next.isObject())
+                next = converted(root.get(key, rest[key]), next);
             if (master || next != held[key])
                 flags[key] = master;
             held[key] = next;
-        };
-        const auto number = [](const Json::Value& from, const char* key, const Json::Value& now) {
-            return Json::Value(static_cast<double>(from.get(key, now).asFloat()));
-        };
-        for (const char* key : {"Type", "Variant", "Name"})
-            put(key, root.get(key, held[key]).asString());
-        put("Wool", number(root, "Wool", held["Wool"]));
-        for (const char* key : VectorKeys) {
-            Json::Value next;
-            for (const char* axis : AxisKeys)
-                next[axis] = number(root[key], axis, held[key][axis]);
-            if (!root[key].isNull())
-                put(key, next);
         }
+    }
+    /// The full mask is written as an empty text.
+    void Write(Json::Value& out, const std::string& key, bool master) const {
+        if (master || !flags.at(key))
+            out[key] = held[key] == "ALL" ? "" : held[key];
+    }
+    void MarkAll() {
+        for (const std::string& key : held.getMemberNames())
+            flags[key] = true;
+    }
+
+private:
+    using Axes = Json::Value::Members;
+
+    static Json::Value converted(const Json::Value& from, const Json::Value& to) {
+        const std::map<std::string, unsigned int> volumes = {
+            {"NONE", 0}, {"Box", 1}, {"Sphere", 2}};
+        if (to.type() == Json::uintValue)
+            return from.isString() ? volumes.at(from.asString()) : from.asUInt();
+        if (to.isString() || to.isBool())
+            return to.isBool() ? Json::Value(from.asBool()) : from.asString();
+        return static_cast<double>(from.asFloat());
+    }
+};
+
+inline Layered NewBody() {
+    Layered body{Parse(R"({"Mass": 1.0, "Drag": true, "DynamicCheck": false, "Category": "",
+                           "Mask": "", "ScaleFactor": {"X": 1.0, "Y": 1.0, "Z": 1.0}})")};
+    body.held["Type"] = 0u;
+    return body;
+}
+
+struct Twin : Layered {
+    float angle = 0.0f;
+    std::array<bool, 3> cmpts{};
+    Layered body = NewBody(); // means nothing while there is none
+
+    Twin()
+        : Layered{Parse(R"({"Type": "", "Variant": "master", "Name": "", "Wool": 1.0,
+                            "Position": {"X": 0.0, "Y": 0.0, "Z": 0.0},
+                            "Orientation": {"X": 0.0, "Y": 0.0, "Z": 0.0},
+                            "Scale": {"X": 1.0, "Y": 1.0, "Z": 1.0}})")} {}
+    void DeserializeValue(const Json::Value& root, bool master) {
+        Read(root, held, master);
         if (!root["Orientation"].isNull())
             angle = root["Orientation"].get("Angle", 0.0).asFloat();
+        if (!cmpts[1])
+            body = NewBody();
         for (std::size_t i = 0; i < 3; ++i)
             cmpts[i] = !root[CmptKeys[i]].isNull() || (cmpts[i] && !master);
+        Json::Value rest = NewBody().held;
+        for (const char* key : {"Mass", "Drag", "DynamicCheck"})
+            rest[key] = body.held[key];
+        rest["Category"] = rest["Mask"] = "NONE";
+        if (!root["PhysicsCmpt"].isNull())
+            body.Read(root["PhysicsCmpt"], rest, master);
     }
     void SerializeValue(Json::Value& out, bool master) const {
         for (const std::string& key : held.getMemberNames())
-            if (key == "Type" || (key != "Variant" && (master || !flags.at(key))))
-                out[key] = held[key];
+            if (key != "Variant")
+                Write(out, key, master || key == "Type");
         for (const char* key : CmptKeys)
             out[key] = Json::Value();
+        for (const std::string& key :
+             cmpts[1] ? body.held.getMemberNames() : Json::Value::Members())
+            body.Write(out["PhysicsCmpt"], key, master);
+    }
+    /// As the template of what is fetched.
+    Twin Fetched() const {
+        Twin fetched = *this;
+        fetched.MarkAll();
+        fetched.body.MarkAll();
+        return fetched;
     }
 };
 
@@ -159,7 +220,10 @@ public:
                 root[key] = Json::Value(Json::objectValue);
         for (const char* key : {"Type", "Variant"})
             root.removeMember(key);
-        return vary(root);
+        Json::Value next = vary(root);
+        if (std::as_const(next)["PhysicsCmpt"].isObject())
+            next["PhysicsCmpt"] = body(twin.body.held);
+        return next;
     }
     /// The same for a fresh entity, with a type and with each vector named.
     Json::Value Master() {
@@ -171,6 +235,20 @@ public:
     }
 
 private:
+    // Each mask in the form in which it is written.
+    Json::Value body(const Json::Value& now) {
+        const std::map<std::string, std::vector<Json::Value>> byKey = {
+            {"Category", {"NONE", "A", "B"}},
+            {"Mask", {"NONE", "A", "ALL - NONE", "ALL - A", "ALL", "", Json::Value()}},
+            {"Type", {"NONE", "Box", "Sphere", 0, 2, 7}}};
+        Json::Value next = vary(now);
+        for (const auto& [key, names] : byKey) {
+            next.removeMember(key);
+            if (!OneIn(3))
+                next[key] = names[Below(names.size())];
+        }
+        return next;
+    }
     Json::Value vary(const Json::Value& now) {
         Json::Value next(Json::objectValue);
         for (const std::string& key :

@@ -2,6 +2,7 @@
 //
 // The engine's walk over pairs against the plain one: the same pairs in the same order, whatever
 // the bodies are and whatever functors do in the middle of it.
+#include "tests/support/physics_names.hpp"
 #include "tests/support/plain_walk.hpp"
 #include "vorn/vorn.hpp"
 
@@ -241,15 +242,7 @@ private:
 
 class PairWalks : public testing::Test {
 protected:
-    PairWalks() {
-        auto& tables = *PhysicsSystem::Instance();
-        int bit = 0;
-        for (const char* name : {"NONE", "A", "B", "ALL"})
-            tables.AddCategory(name, name == std::string("ALL") ? 15 : 1 << bit++);
-        unsigned int type = 0;
-        for (const char* name : {"NONE", "Box", "Sphere"})
-            tables.AddVolume(name, type++);
-    }
+    PairWalks() { Tests::EnterPhysicsNames(); }
 
     /// Runs both walks and tells how many calls there were.
     static std::size_t Compare(const Recipe& recipe, int steps) {

@@ -12,9 +12,11 @@ const std::string GoodEntity = R"({"Type": "sheep", "Pool": 4, "Name": "dolly",
  "Position": {"X": 1, "Y": 2, "Z": 3}, "Orientation": {"Z": 1, "Angle": 0.5},
  "Scale": {"X": 4, "Y": 4, "Z": 4}, "GraphicsCmpt": {}, "EmitterCmpt": {}})";
 const std::string GoodVariant = R"({"Type": "sheep", "Variant": "black", "Name": "molly",
- "Position": {"X": 7}, "Orientation": {"Y": 1, "Angle": 1}, "PhysicsCmpt": {}})";
+ "Position": {"X": 7}, "Orientation": {"Y": 1, "Angle": 1},
+ "PhysicsCmpt": {"Mask": "ALL - A", "Type": "Box", "Drag": false, "ScaleFactor": {"Y": 2}}})";
 const std::string GoodScene = R"({"ResourcePack": "meadow", "Entities": [
- {"Type": "sheep", "Variant": "master", "Name": "a", "Position": {"X": 5}, "PhysicsCmpt": {},
+ {"Type": "sheep", "Variant": "master", "Name": "a", "Position": {"X": 5},
+  "PhysicsCmpt": {"Mass": 3, "Category": "B"},
   "Orientation": {"X": 1, "Angle": 2}},
  {"Type": "black", "Variant": "black", "Name": "b", "EmitterCmpt": {}}]})";
 

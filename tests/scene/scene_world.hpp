@@ -4,6 +4,7 @@
 // into one log, and that do what a test asks for at any entry of it.
 #pragma once
 
+#include "tests/support/physics_names.hpp"
 #include "vorn/vorn.hpp"
 
 #include <gmock/gmock.h>
@@ -22,6 +23,7 @@
 namespace SceneTests {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 using testing::UnorderedElementsAre;
@@ -113,6 +115,7 @@ class SceneTest : public testing::Test {
 protected:
     SceneTest() {
         std::filesystem::create_directory(folder);
+        Tests::EnterPhysicsNames();
         factory.Register("thing", &things);
     }
     ~SceneTest() override {

@@ -40,6 +40,8 @@ C& Entity::CmptSlot<C>::Ensure(Entity* parent) {
     if (!cmpt) {
         cmpt = new C(parent);
         owned = true;
+        if (parent->mMasterFlags.MarksAll())
+            MarkAll();
         if (parent->mRegistersNew)
             Register();
     }

@@ -66,6 +66,8 @@ public:
     /// Every parameter holds the template's value from now on, also those that nothing has marked
     /// yet.
     void MarkAll();
+    /// Whether MarkAll has been called.
+    bool MarksAll() const { return mAll; }
 
 private:
     struct Flag {

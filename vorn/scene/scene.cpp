@@ -41,16 +41,22 @@ private:
     std::size_t mServed = 0;
 };
 
+// Runs `last` whatever `act` raises.
+template <typename Act, typename Last>
+void Finally(Act act, Last last) {
+    try {
+        act();
+    } catch (...) {
+        last();
+        throw;
+    }
+    last();
+}
+
 // Whatever the entity's last words raise, it goes back to its pool.
 template <typename LastWords>
 void ThenReturn(Entity* entity, LastWords lastWords) {
-    try {
-        lastWords();
-    } catch (...) {
-        EntityFactory::Instance()->ReturnEntity(entity);
-        throw;
-    }
-    EntityFactory::Instance()->ReturnEntity(entity);
+    Finally(lastWords, [entity] { EntityFactory::Instance()->ReturnEntity(entity); });
 }
 
 std::uint64_t NextSerial() {
@@ -279,9 +285,11 @@ void Scene::removeEntity(Entity* entity) {
 void Scene::endEntity(Entity* entity) {
     ThenReturn(entity, [this, entity] {
         unlist(entity);
-        entity->Deinit();
-        if (entity->mScene == this)
-            entity->mScene = nullptr;
+        Finally([entity] { entity->Deinit(); },
+                [this, entity] {
+                    if (entity->mScene == this)
+                        entity->mScene = nullptr;
+                });
     });
 }
 
