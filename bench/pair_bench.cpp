@@ -10,9 +10,9 @@
 
 #include <btBulletCollisionCommon.h>
 
-#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -95,31 +95,30 @@ void Bullet(benchmark::State& state, Shape shape, double touching) {
 }
 
 void RegisterAll() {
-    const std::map<std::string, Shape> shapes = {
+    const std::pair<std::string, Shape> shapes[] = {
         {"spheres", Shape::Sphere}, {"boxes", Shape::Box}, {"mixed", Shape::Mixed}};
     const std::pair<std::string, double> densities[] = {
         {"thin", 0.1}, {"medium", 2.0}, {"dense", 10.0}, {"heap", -1.0}};
-    for (const auto& [shapeName, shape] : shapes) {
-        for (const auto& [densityName, touching] : densities) {
-            const std::string name = "/" + shapeName + "/" + densityName;
-            const bool heap = touching < 0.0;
+    for (const auto& shape : shapes)
+        for (const auto& density : densities)
             for (const int count : {100, 300, 1000, 3000, 10'000, 50'000}) {
-                // A heap of so many has a billion hits, and each of them costs Bullet a kilobyte.
-                if (heap && count > 10'000)
-                    continue;
-                const auto add = [&](const char* which, auto function) {
-                    benchmark::RegisterBenchmark((which + name).c_str(), function, shape, touching)
+                const bool heap = density.second < 0.0;
+                const auto add = [&](const std::string& which, auto function) {
+                    const std::string name = which + "/" + shape.first + "/" + density.first;
+                    benchmark::RegisterBenchmark(name.c_str(), function, shape.second,
+                                                 density.second)
                         ->Arg(count)
                         ->Unit(benchmark::kMillisecond);
                 };
+                // A heap of so many has a billion hits, and each of them costs Bullet a kilobyte.
+                if (heap && count > 10'000)
+                    continue;
                 add("Walk", Walk);
                 if (count <= 10'000)
                     add("PlainWalk", PlainWalk);
                 if (!heap || count <= 300)
                     add("Bullet", Bullet);
             }
-        }
-    }
 }
 
 } // namespace

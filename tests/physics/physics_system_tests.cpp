@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <functional>
@@ -220,6 +221,34 @@ TEST_F(PhysicsSteps, TheMaskOfTheEarlierBodyDecides) {
     for (PhysicsCmpt* body : {&first, &second})
         body->DeserializeValue(Json::objectValue, true), body->VolumeType("Sphere");
     EXPECT_TRUE(StepOnce().empty()) << "bodies that name nothing mask each other";
+}
+
+TEST_F(PhysicsSteps, DebugHandsOutTheEdgesOfLivingBodiesInEveryFrame) {
+    auto& lines = *GraphicsSystem::Instance();
+    lines.ClearLine();
+    PhysicsCmpt &box = Add(1), &sphere = Add(2);
+    Add(0);
+    mWorld.entities[2]->Alive(false);
+    mSystem.Debug(true);
+    mSystem.Update(0); // no step
+    const std::vector<Line> drawn = lines.LineContainer();
+    ASSERT_EQ(drawn.size(), 12u + 48u);
+    Vector3 corners[8];
+    box.BoundingOBB().GetVertices(corners);
+    for (std::size_t i = 0; i < 12; ++i) {
+        EXPECT_EQ(drawn[i].color, 0xFFC50BDFu);
+        EXPECT_NE(std::find(corners, corners + 8, drawn[i].start), corners + 8);
+        EXPECT_NE(std::find(corners, corners + 8, drawn[i].end), corners + 8);
+    }
+    const Sphere ball = sphere.BoundingSphere();
+    for (std::size_t i = 12; i < drawn.size(); ++i) {
+        EXPECT_NEAR(ball.center.Distance(drawn[i].start), ball.radius, 1e-4f);
+        // A circle is closed, and its three planes take turns.
+        const std::size_t next = i + 3 < drawn.size() ? i + 3 : 12 + i % 3;
+        EXPECT_NEAR(drawn[i].end.Distance(drawn[next].start), 0, 1e-4f) << i;
+    }
+    lines.Update(0);
+    EXPECT_TRUE(lines.LineContainer().empty());
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -16,18 +15,6 @@ namespace Vorn {
 using Float4 = float __attribute__((vector_size(16)));
 /// What a comparison of Float4 gives: all bits of a lane, or none.
 using Int4 = std::int32_t __attribute__((vector_size(16)));
-
-inline Float4 LoadFour(const float* p) {
-    Float4 v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
-inline Int4 LoadFour(const std::int32_t* p) {
-    Int4 v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
 
 inline Float4 AllFour(float f) {
     return Float4{f, f, f, f};

@@ -31,14 +31,12 @@ bool IsFinite(const Bounds& b) {
            std::isfinite(b.reach);
 }
 
-/// Four bodies at a time.
-struct Four {
-    Float4 x, y, z, reach;
-};
-
 /// Lets everybody pass.
 struct NoFilter {
-    Int4 operator()(const Four&) const { return Int4{-1, -1, -1, -1}; }
+    template <typename Block>
+    Int4 operator()(const Block&) const {
+        return Int4{-1, -1, -1, -1};
+    }
 };
 
 /// Lets those pass whose spheres reach into the box along each of its axes.
@@ -46,7 +44,8 @@ class BoxFilter {
 public:
     explicit BoxFilter(const std::function<const BoxSides&()>& sides) : mSides(sides) {}
 
-    Int4 operator()(const Four& four) {
+    template <typename Block>
+    Int4 operator()(const Block& four) {
         if (!mKnown)
             know();
         Int4 pass{-1, -1, -1, -1};
@@ -93,28 +92,25 @@ public:
     }
     const Vector3& Center() const { return mSphere.center; }
 
-    /// Appends the ids of `begin` to `end`, and perhaps of up to three that stand behind.
+    /// Appends the ids of `begin` to `end`, and perhaps of those who share a block with them.
     template <typename Lanes>
     void Ask(const Lanes& lanes, std::size_t begin, std::size_t end, std::vector<int>& out) {
-        const float *const xs = lanes.x.data(), *const ys = lanes.y.data(),
-                           *const zs = lanes.z.data(), *const reaches = lanes.reach.data();
-        const int* const ids = lanes.id.data();
+        if (begin == end)
+            return;
         const Float4 x = AllFour(mSphere.center.x), y = AllFour(mSphere.center.y),
                      z = AllFour(mSphere.center.z), own = AllFour(mSphere.reach),
                      stretch = AllFour(mStretch);
         const Int4 from{mFrom, mFrom, mFrom, mFrom};
-        for (std::size_t i = begin; i < end; i += 4) {
-            const Four four{LoadFour(xs + i), LoadFour(ys + i), LoadFour(zs + i),
-                            LoadFour(reaches + i)};
-            const Float4 dx = four.x - x, dy = four.y - y, dz = four.z - z;
-            const Float4 sum = own + stretch * four.reach;
-            const Int4 id = LoadFour(ids + i);
-            Int4 meets = (dx * dx + dy * dy + dz * dz <= sum * sum) & (id >= from);
+        const auto* const last = lanes.blocks.data() + (end - 1) / 4;
+        for (const auto* block = lanes.blocks.data() + begin / 4; block <= last; ++block) {
+            const Float4 dx = block->x - x, dy = block->y - y, dz = block->z - z;
+            const Float4 sum = own + stretch * block->reach;
+            Int4 meets = (dx * dx + dy * dy + dz * dz <= sum * sum) & (block->id >= from);
             if (!LaneBits(meets))
                 continue;
-            meets &= mFilter(four);
+            meets &= mFilter(*block);
             for (unsigned int bits = LaneBits(meets); bits; bits &= bits - 1)
-                out.push_back(ids[i + static_cast<unsigned int>(std::countr_zero(bits))]);
+                out.push_back(block->id[std::countr_zero(bits)]);
         }
     }
 
@@ -129,44 +125,46 @@ private:
 
 void BodyGroup::Lanes::Resize(std::size_t size) {
     mSize = size;
-    const std::size_t room = size + 5;
-    if (id.size() < room) {
-        for (std::vector<float>* lane : {&x, &y, &z, &reach})
-            lane->resize(2 * room);
-        id.resize(2 * room);
-    }
-    Close();
-}
-
-void BodyGroup::Lanes::Close() {
+    blocks.resize((size + 3) / 4);
     // No question asks for so low an id.
-    std::fill_n(id.begin() + static_cast<std::ptrdiff_t>(mSize), 4, -1);
+    if (!blocks.empty())
+        for (std::size_t at = size; at < 4 * blocks.size(); ++at)
+            blocks.back().id[at % 4] = -1;
 }
 
 void BodyGroup::Lanes::Push(Id body, const Bounds& bounds) {
-    if (mSize + 5 > id.size())
-        Resize(mSize);
+    if (mSize % 4 == 0)
+        blocks.emplace_back().id = Int4{-1, -1, -1, -1};
     Set(mSize++, body, bounds);
 }
 
 void BodyGroup::Lanes::Set(std::size_t at, Id body, const Bounds& bounds) {
-    x[at] = bounds.center.x;
-    y[at] = bounds.center.y;
-    z[at] = bounds.center.z;
-    reach[at] = bounds.reach;
-    id[at] = body;
+    Block& block = blocks[at / 4];
+    const std::size_t lane = at % 4;
+    block.x[lane] = bounds.center.x;
+    block.y[lane] = bounds.center.y;
+    block.z[lane] = bounds.center.z;
+    block.reach[lane] = bounds.reach;
+    block.id[lane] = body;
+}
+
+Bounds BodyGroup::Lanes::At(std::size_t at) const {
+    const Block& block = blocks[at / 4];
+    const std::size_t lane = at % 4;
+    return {{block.x[lane], block.y[lane], block.z[lane]}, block.reach[lane]};
 }
 
 void BodyGroup::Clear() {
     mAll.Resize(0);
+    mIds.clear();
 }
 
 void BodyGroup::Add(Id id, const Bounds& bounds) {
     mAll.Push(id, bounds);
+    mIds.push_back(id);
 }
 
 void BodyGroup::Build() {
-    mAll.Close();
     mFirst = 0;
     mGrid = mAll.Size() > ScanOnly && chooseCell();
     if (mGrid)
@@ -175,7 +173,7 @@ void BodyGroup::Build() {
 
 void BodyGroup::Move(int index, const Bounds& bounds) {
     const auto at = static_cast<std::size_t>(index);
-    const Id id = mAll.id[at];
+    const Id id = mIds[at];
     mAll.Set(at, id, bounds);
     if (!mGrid)
         return;
@@ -185,7 +183,6 @@ void BodyGroup::Move(int index, const Bounds& bounds) {
     }
     mOutsideIndex[at] = static_cast<int>(mOutside.Size());
     mOutside.Push(id, bounds);
-    mOutside.Close();
     if (mOutside.Size() > mMaxOutside) {
         mGrid = chooseCell();
         if (mGrid)
@@ -280,7 +277,7 @@ bool BodyGroup::chooseCell() {
     mSample.clear();
     for (std::size_t i = 0; i < mAll.Size(); i += step)
         if (IsFinite(mAll.At(i)))
-            mSample.push_back(mAll.reach[i]);
+            mSample.push_back(mAll.At(i).reach);
     if (mSample.empty())
         return false;
     const auto large = mSample.begin() + static_cast<std::ptrdiff_t>(mSample.size() * 31 / 32);
@@ -289,8 +286,8 @@ bool BodyGroup::chooseCell() {
 
     mCommonReach = 0.0f;
     for (std::size_t i = 0; i < mAll.Size(); ++i)
-        if (mAll.reach[i] <= limit)
-            mCommonReach = std::max(mCommonReach, mAll.reach[i]);
+        if (mAll.At(i).reach <= limit)
+            mCommonReach = std::max(mCommonReach, mAll.At(i).reach);
     mCell = 2.6f * mSpread * mCommonReach;
     return std::isnormal(mCell) && std::isnormal(1.0f / mCell);
 }
@@ -314,10 +311,9 @@ void BodyGroup::sortIntoCells() {
         } else {
             mBucket[i] = -1;
             mOutsideIndex[i] = static_cast<int>(mOutside.Size());
-            mOutside.Push(mAll.id[i], bounds);
+            mOutside.Push(mIds[i], bounds);
         }
     }
-    mOutside.Close();
     mMaxOutside = mOutside.Size() + 8 * static_cast<std::size_t>(std::sqrt(count));
 
     // From the last to the first, each bucket's start moves down to where it belongs, and bodies of
@@ -340,7 +336,7 @@ void BodyGroup::sortIntoCells() {
         if (mBucket[i] >= 0)
             mSorted.Set(
                 static_cast<std::size_t>(--mBucketStart[static_cast<std::size_t>(mBucket[i])]),
-                mAll.id[i], mAll.At(i));
+                mIds[i], mAll.At(i));
 }
 
 bool BodyGroup::isCommon(const Bounds& b) const {

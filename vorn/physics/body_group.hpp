@@ -3,12 +3,13 @@
 // Below the pair walk: the bounds of the bodies of one volume type, which answers whom a body may
 // meet. Every answer is a superset, at little more than its own cost.
 //
-// Bounds stand in five arrays, of which a scan takes four bodies at a time. Few bodies are scanned
+// Bounds stand in blocks of four bodies, which a scan takes at once. Few bodies are scanned
 // for each question. Of many, those of common size are sorted into cells of a grid, hashed so that
 // the world has no edge, where cells that follow each other along X lie side by side in memory; the
 // others, and those that have moved since, are scanned.
 #pragma once
 
+#include "vorn/core/float4.hpp"
 #include "vorn/math/box_shape.hpp"
 #include "vorn/math/vector3.hpp"
 
@@ -47,23 +48,24 @@ public:
                  Id from, std::vector<Id>& out);
 
     /// All of them, ascending.
-    const Id* begin() const { return mAll.id.data(); }
-    const Id* end() const { return begin() + mAll.Size(); }
+    const std::vector<Id>& Ids() const { return mIds; }
 
 private:
-    /// Bounds side by side, with room behind the last for a step of four.
+    /// Four bodies side by side.
+    struct Block {
+        Float4 x{}, y{}, z{}, reach{};
+        Int4 id{};
+    };
+    /// Bounds in blocks; what is left of the last block has an id below all others.
     class Lanes {
     public:
-        std::vector<float> x, y, z, reach;
-        std::vector<Id> id;
+        std::vector<Block> blocks;
 
         std::size_t Size() const { return mSize; }
         void Resize(std::size_t size);
-        /// Call Close before the next question.
         void Push(Id body, const Bounds& bounds);
-        void Close();
         void Set(std::size_t at, Id body, const Bounds& bounds);
-        Bounds At(std::size_t at) const { return {{x[at], y[at], z[at]}, reach[at]}; }
+        Bounds At(std::size_t at) const;
 
     private:
         std::size_t mSize = 0;
@@ -82,6 +84,7 @@ private:
     Cell cellOf(const Vector3& point) const;
     unsigned int rowOf(int y, int z) const;
 
+    std::vector<Id> mIds;
     Lanes mAll;     // in the order of their ids
     Lanes mSorted;  // in the grid, cell by cell
     Lanes mOutside; // not in the grid, or not where they stand in it

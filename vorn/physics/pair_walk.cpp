@@ -22,8 +22,9 @@ namespace {
 // axes. It may be wrong where it says no.
 bool IsUpright(const Vector3& p, const Vector3& o, const Vector3& size) {
     const float length = o.SquareLength();
-    const bool alongY = std::abs(1.0f - o.y) < 0.00002f;
-    const float aside = alongY ? std::min(o.x * o.x, o.y * o.y) + o.z * o.z : o.x * o.x + o.z * o.z;
+    // As Matrix4::RotationAxisAlignZ decides which axis the box's side is taken from.
+    const bool alongY = std::abs(1 - o.y) < 0.00001f;
+    const float aside = alongY ? o.y * o.y + o.z * o.z : o.x * o.x + o.z * o.z;
     const float least = std::min({std::abs(size.x), std::abs(size.y), std::abs(size.z)});
     const float farthest = std::abs(p.x) + std::abs(p.y) + std::abs(p.z) + std::abs(size.x) +
                            std::abs(size.y) + std::abs(size.z);
@@ -115,7 +116,7 @@ PairWalk::Id PairWalk::add(PhysicsCmpt* cmpt) {
 void PairWalk::link(Id id) {
     Body& linked = body(id);
     linked.next = -1;
-    if (!linked.entity)
+    if (!linked.cmpt || !linked.entity)
         return;
     const auto known = static_cast<Id>(linked.entity->mBody);
     if (known < id && body(known).entity == linked.entity)
@@ -221,19 +222,17 @@ void PairWalk::findCandidates(Id i, Id from) {
 
     const BodyGroup& others = a.kind == Kind::Sphere ? mBoxes : mSpheres;
     const std::vector<Id>& swept = a.kind == Kind::Sphere ? mDynamicBoxes : mDynamicSpheres;
-    if (a.dynamic)
-        addCandidates(others.begin(), others.end(), from);
-    else
-        addCandidates(swept.data(), swept.data() + swept.size(), from);
-    addCandidates(mStrays.data(), mStrays.data() + mStrays.size(), from);
+    addCandidates(a.dynamic ? others.Ids() : swept, from);
+    addCandidates(mStrays, from);
 }
 
-void PairWalk::addCandidates(const Id* begin, const Id* end, Id from) {
-    begin = std::lower_bound(begin, end, from);
-    if (begin == end)
+void PairWalk::addCandidates(const std::vector<Id>& ids, Id from) {
+    const auto first = std::lower_bound(ids.begin(), ids.end(), from);
+    if (first == ids.end())
         return;
     mMerged.clear();
-    std::set_union(mCandidates.begin(), mCandidates.end(), begin, end, std::back_inserter(mMerged));
+    std::set_union(mCandidates.begin(), mCandidates.end(), first, ids.end(),
+                   std::back_inserter(mMerged));
     mCandidates.swap(mMerged);
 }
 

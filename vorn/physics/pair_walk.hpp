@@ -81,7 +81,7 @@ private:
 
     void walkRow(Id i);
     void findCandidates(Id i, Id from);
-    void addCandidates(const Id* begin, const Id* end, Id from);
+    void addCandidates(const std::vector<Id>& ids, Id from);
     bool hits(Id i, Id j);
     bool boxesHit(Id i, Id j);
     bool facesHit(Id box, Id sphere);
