@@ -81,7 +81,9 @@ template <typename Filter>
 class Question {
 public:
     Question(const Bounds& sphere, float stretch, int from, Filter filter)
-        : mSphere(sphere), mStretch(stretch), mFrom(from), mFilter(filter) {}
+        : mSphere(sphere), mStretch(stretch), mFilter(filter), mX(AllFour(sphere.center.x)),
+          mY(AllFour(sphere.center.y)), mZ(AllFour(sphere.center.z)), mReach(AllFour(sphere.reach)),
+          mStretches(AllFour(stretch)), mFrom{from, from, from, from} {}
 
     /// Half the edge of a cube about the centre that holds the centres of all who may be meant, of
     /// those who reach no further than `reach`.
@@ -97,15 +99,11 @@ public:
     void Ask(const Lanes& lanes, std::size_t begin, std::size_t end, std::vector<int>& out) {
         if (begin == end)
             return;
-        const Float4 x = AllFour(mSphere.center.x), y = AllFour(mSphere.center.y),
-                     z = AllFour(mSphere.center.z), own = AllFour(mSphere.reach),
-                     stretch = AllFour(mStretch);
-        const Int4 from{mFrom, mFrom, mFrom, mFrom};
         const auto* const last = lanes.blocks.data() + (end - 1) / 4;
         for (const auto* block = lanes.blocks.data() + begin / 4; block <= last; ++block) {
-            const Float4 dx = block->x - x, dy = block->y - y, dz = block->z - z;
-            const Float4 sum = own + stretch * block->reach;
-            Int4 meets = (dx * dx + dy * dy + dz * dz <= sum * sum) & (block->id >= from);
+            const Float4 dx = block->x - mX, dy = block->y - mY, dz = block->z - mZ;
+            const Float4 sum = mReach + mStretches * block->reach;
+            Int4 meets = (dx * dx + dy * dy + dz * dz <= sum * sum) & (block->id >= mFrom);
             if (!LaneBits(meets))
                 continue;
             meets &= mFilter(*block);
@@ -117,8 +115,9 @@ public:
 private:
     const Bounds mSphere;
     const float mStretch;
-    const int mFrom;
     Filter mFilter;
+    const Float4 mX, mY, mZ, mReach, mStretches;
+    const Int4 mFrom;
 };
 
 } // namespace
@@ -264,6 +263,8 @@ bool BodyGroup::meetInGrid(Question& question, std::size_t scanCost, std::vector
     question.Ask(mOutside, 0, mOutside.Size(), out);
 
     // Cells that share a bucket, and steps of four, bring some twice.
+    if (out.size() < before + 2)
+        return true;
     const auto begin = out.begin() + static_cast<std::ptrdiff_t>(before);
     std::sort(begin, out.end());
     out.erase(std::unique(begin, out.end()), out.end());

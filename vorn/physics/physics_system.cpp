@@ -30,7 +30,7 @@ void PhysicsSystem::Update(float dt) {
     mStepTimer -= dt;
     const bool step = mStepTimer < 0.0f;
     for (PhysicsCmpt* cmpt : mCmpts.Cmpts()) {
-        if (!cmpt->IsAlive())
+        if (const Entity* entity = cmpt->Parent(); !entity || !entity->IsAlive())
             continue;
         if (step) {
             ComputeFinalForce(cmpt);
