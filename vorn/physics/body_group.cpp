@@ -272,6 +272,8 @@ bool BodyGroup::meetInGrid(Question& question, std::size_t scanCost, std::vector
 }
 
 // By the largest of the common sizes, so that a body meets bodies in the cells around its own only.
+// Those more than twice as large as three quarters of all are not common: the others would crowd in
+// cells of their size.
 bool BodyGroup::chooseCell() {
     constexpr std::size_t SampleSize = 256;
     const std::size_t step = std::max<std::size_t>(1, mAll.Size() / SampleSize);
@@ -281,7 +283,7 @@ bool BodyGroup::chooseCell() {
             mSample.push_back(mAll.At(i).reach);
     if (mSample.empty())
         return false;
-    const auto large = mSample.begin() + static_cast<std::ptrdiff_t>(mSample.size() * 31 / 32);
+    const auto large = mSample.begin() + static_cast<std::ptrdiff_t>(mSample.size() * 3 / 4);
     std::nth_element(mSample.begin(), large, mSample.end());
     const float limit = 2.0f * *large;
 

@@ -34,20 +34,21 @@ unsigned int FindName(const VolumeTable& table, const std::string& name) {
     return Find(table, name);
 }
 
-CategorySet ParseCategories(const CategoryTable& table, std::string text) {
+CategorySet ParseCategories(const CategoryTable& table, const std::string& text) {
     CategorySet set;
     char operation = '+';
-    while (!text.empty()) {
-        const std::size_t next = text.find_first_of("+-");
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t next = text.find_first_of("+-", at);
         const bool last = next == std::string::npos;
         // The blank in front of the operator is not part of the name.
-        const std::string name = last ? text : text.substr(0, next == 0 ? 0 : next - 1);
+        const std::string name =
+            last ? text.substr(at) : text.substr(at, next == at ? 0 : next - at - 1);
         const CategorySet& bits = Find(table, name);
         set = operation == '+' ? set | bits : set & ~bits;
         if (last)
             break;
         operation = text[next];
-        text.erase(0, next + 2);
+        at = next + 2;
     }
     return set;
 }

@@ -26,7 +26,7 @@ unsigned int FindName(const VolumeTable& table, const std::string& name);
 /// Reads names joined by " + " and " - ", from left to right, with exactly one blank on either side
 /// of an operator. An empty text is the empty set; a text that ends in an operator ends there.
 /// Raises as FindName does.
-CategorySet ParseCategories(const CategoryTable& table, std::string text);
+CategorySet ParseCategories(const CategoryTable& table, const std::string& text);
 
 /// Writes a set by its names, in the table's order: "ALL - Bird" for a set that stands above half
 /// of "ALL" as a number, "Wall + Bird" for another, an empty text for the empty set (and for that

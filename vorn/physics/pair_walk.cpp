@@ -55,11 +55,21 @@ void PairWalk::Run(const std::list<PhysicsCmpt*>& cmpts) {
 
 void PairWalk::Forget(const PhysicsCmpt* cmpt) {
     for (PairWalk* walk = sRunning; walk; walk = walk->mOuter)
-        for (Body& body : walk->mBodies)
-            if (body.cmpt == cmpt) {
-                body.cmpt = nullptr;
-                body.kind = Kind::None;
-            }
+        walk->forget(cmpt);
+}
+
+void PairWalk::Leave(const PhysicsSystem* system, const PhysicsCmpt* cmpt) {
+    for (PairWalk* walk = sRunning; walk; walk = walk->mOuter)
+        if (walk->mSystem != system)
+            walk->forget(cmpt);
+}
+
+void PairWalk::forget(const PhysicsCmpt* cmpt) {
+    for (Body& body : mBodies)
+        if (body.cmpt == cmpt) {
+            body.cmpt = nullptr;
+            body.kind = Kind::None;
+        }
 }
 
 void PairWalk::Append(const PhysicsSystem* system, PhysicsCmpt* cmpt) {
@@ -149,14 +159,16 @@ void PairWalk::read(Body& body) const {
 }
 
 // Wide enough for all that rounding does to corners and distances. A sphere that may be swept
-// reaches as far as it flies.
+// reaches as far as it flies, and by half more: where the velocity's square is a denormal number,
+// its direction is up to that much too short, and the swept test meets spheres that stand aside.
+// Beyond 9e18 squares overflow, and the sphere meets whatever lies behind it.
 Bounds PairWalk::boundsOf(const Body& body) const {
     const Vector3& c = body.sphere.center;
     float reach = body.sphere.radius * 1.0001f;
     if (body.kind == Kind::Sphere && !mDynamicSpheres.empty())
-        reach += body.velocity.Length() * 1.0001f;
+        reach = reach * 1.5f + body.velocity.Length() * 1.0001f;
     reach += 0.000002f * (std::abs(c.x) + std::abs(c.y) + std::abs(c.z));
-    return {c, std::isfinite(reach) ? reach : std::numeric_limits<float>::infinity()};
+    return {c, reach < 1e18f ? reach : std::numeric_limits<float>::infinity()};
 }
 
 const PairWalk::Shape& PairWalk::shapeOf(Id id) {

@@ -38,6 +38,8 @@ public:
     }
     /// The component leaves its list, or dies.
     static void Forget(const PhysicsCmpt* cmpt);
+    /// The component is about to enter the system's list, and leaves that of any other.
+    static void Leave(const PhysicsSystem* system, const PhysicsCmpt* cmpt);
     /// The component has entered the system's list.
     static void Append(const PhysicsSystem* system, PhysicsCmpt* cmpt);
 
@@ -71,6 +73,7 @@ private:
         BoxSides sides;
     };
 
+    void forget(const PhysicsCmpt* cmpt);
     void gather(const std::list<PhysicsCmpt*>& cmpts);
     Id add(PhysicsCmpt* cmpt);
     void link(Id id);

@@ -55,6 +55,7 @@ void PhysicsSystem::Deinit() {
 }
 
 void PhysicsSystem::Register(PhysicsCmpt* cmpt) {
+    PairWalk::Leave(this, cmpt);
     mCmpts.Add(cmpt);
     PairWalk::Append(this, cmpt);
 }
