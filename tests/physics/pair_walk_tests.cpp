@@ -23,12 +23,15 @@ using namespace Vorn;
 struct Recipe {
     unsigned int seed = 0;
     int bodies = 0;
-    float edge = 0;       // of the cube that they stand in
-    int odd = 0;          // one in so many bodies has a value from hell; 0 for none
-    int dynamic = 0;      // one in so many has the swept test; 0 for none
-    int meddle = 0;       // one in so many calls changes something; 0 for none
-    bool rebuild = false; // changes take bodies in and out, and run steps of their own
-    bool part = false;    // each hit moves the two apart
+    float edge = 0;        // of the cube that they stand in
+    Vector3 form{1, 1, 1}; // by how much the cube is longer
+    int far = 0;           // one in so many stands far away; 0 for none
+    int odd = 0;           // one in so many bodies has a value from hell; 0 for none
+    int dynamic = 0;       // one in so many has the swept test; 0 for none
+    int meddle = 0;        // one in so many calls changes something; 0 for none
+    int only = -1;         // the one kind of change; -1 for all
+    bool rebuild = false;  // changes take bodies in and out, and run steps of their own
+    bool part = false;     // each hit moves the two apart
 };
 
 /// Bodies with functors that write down whom they met, and meddle. With a system its walk is under
@@ -70,7 +73,11 @@ private:
         const float x = number(-reach, reach), y = number(-reach, reach);
         return {x, y, number(-reach, reach)};
     }
-    Vector3 place() { return vector(mRecipe.edge / 2); }
+    Vector3 place() {
+        const Vector3 at = vector(mRecipe.edge / 2), form = mRecipe.form;
+        const Vector3 inside(at.x * form.x, at.y * form.y, at.z * form.z);
+        return oneIn(mRecipe.far) ? inside * number(10, 3000) : inside;
+    }
 
     void add() {
         Entity& entity = *mEntities.emplace_back(std::make_unique<Entity>());
@@ -82,6 +89,7 @@ private:
         body.RegisterCollisionResponse(mResponses.back().get());
         body.ClearMask();
         body.Drag(false);
+        body.Category(dice(2) ? "A" : "B");
         body.VolumeType(dice(2) ? "Box" : "Sphere");
         body.UseDynamicCollisionCheck(oneIn(mRecipe.dynamic));
         body.LinearVelocity(vector(0.3f));
@@ -172,7 +180,7 @@ private:
         Entity& entity = *mEntities[mRandom() % mEntities.size()];
         PhysicsCmpt& body = *entity.Physics();
         const bool rebuild = mRecipe.rebuild && mRebuilt++ < 20;
-        switch (dice(rebuild ? 17 : 13)) {
+        switch (mRecipe.only >= 0 ? mRecipe.only : dice(rebuild ? 17 : 13)) {
         case 0:
             entity.Position(place());
             break;
@@ -282,19 +290,37 @@ TEST_F(PairWalks, OfSmallWorldsComeOutAsThePlainWalkWhateverHappensInThem) {
 
 TEST_F(PairWalks, OfLargeWorldsComeOutAsThePlainWalkWhateverHappensInThem) {
     std::size_t calls = 0;
-    for (unsigned int seed = 0; seed < 16 && !HasFailure(); ++seed) {
+    // A cube, a plain, two lines, a wall.
+    const Vector3 forms[] = {
+        {1, 1, 1}, {4, 0.1f, 4}, {30, 0.2f, 0.2f}, {0.2f, 0.2f, 30}, {0.1f, 4, 4}};
+    for (unsigned int seed = 0; seed < 24 && !HasFailure(); ++seed) {
         Recipe recipe;
         recipe.seed = 10'000 + seed;
         recipe.bodies = 560 + static_cast<int>(seed) * 20;
+        recipe.form = forms[seed < 8 ? 0 : seed % 5];
+        recipe.far = seed % 7 == 6 ? 30 : 0;
         recipe.edge = seed % 8 == 7 ? 3.0f : seed % 2 ? 12.0f : 30.0f;
         recipe.odd = seed % 3 ? 0 : 40;
         recipe.dynamic = seed % 4 == 1 ? 60 : 0;
-        recipe.meddle = seed % 5 ? 5 : 0;
+        recipe.meddle = seed % 5 ? (seed % 2 ? 5 : 300) : 0;
         recipe.rebuild = seed % 4 == 3;
         recipe.part = seed % 3 == 1;
         calls += Compare(recipe, 2);
     }
     EXPECT_GT(calls, 20'000u);
+}
+
+TEST_F(PairWalks, OfLargeWorldsFollowEachKindOfChangeAlone) {
+    for (int kind = 0; kind < 13 && !HasFailure(); ++kind) {
+        SCOPED_TRACE(testing::Message() << "kind " << kind);
+        Recipe recipe;
+        recipe.seed = 20'000 + static_cast<unsigned int>(kind);
+        recipe.bodies = 900;
+        recipe.edge = 20;
+        recipe.meddle = 12;
+        recipe.only = kind;
+        EXPECT_GT(Compare(recipe, 2), 1000u);
+    }
 }
 
 TEST_F(PairWalks, ANumberFromHellDoesNotUpsetThePairsOfOthers) {

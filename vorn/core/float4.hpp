@@ -4,6 +4,7 @@
 // hosts. Each lane computes as a float alone does.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #ifdef __SSE2__
@@ -26,6 +27,15 @@ inline unsigned int LaneBits(const Int4& mask) {
     return static_cast<unsigned int>(_mm_movemask_ps(__builtin_bit_cast(__m128, mask)));
 #else
     return (mask[0] & 1u) | (mask[1] & 2u) | (mask[2] & 4u) | (mask[3] & 8u);
+#endif
+}
+
+/// The roots of all four, each as std::sqrt gives it.
+inline Float4 RootOf(const Float4& f) {
+#ifdef __SSE2__
+    return __builtin_bit_cast(Float4, _mm_sqrt_ps(__builtin_bit_cast(__m128, f)));
+#else
+    return Float4{std::sqrt(f[0]), std::sqrt(f[1]), std::sqrt(f[2]), std::sqrt(f[3])};
 #endif
 }
 

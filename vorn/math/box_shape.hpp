@@ -84,16 +84,11 @@ inline BoxAxes AxesOf(const BoxCorners& corners) {
     axes.y = uz * vx - ux * vz;
     axes.z = ux * vy - uy * vx;
 
-    Float4 length = axes.x * axes.x + axes.y * axes.y + axes.z * axes.z;
-    for (int i = 0; i < 3; ++i) {
-        length[i] = std::sqrt(length[i]);
-        if (length[i] < 0.00001f)
-            length[i] = 1.0f;
-    }
-    length[3] = 1.0f;
-    axes.x /= length;
-    axes.y /= length;
-    axes.z /= length;
+    const Float4 length = RootOf(axes.x * axes.x + axes.y * axes.y + axes.z * axes.z);
+    const Float4 divisor = length < 0.00001f ? AllFour(1.0f) : length;
+    axes.x /= divisor;
+    axes.y /= divisor;
+    axes.z /= divisor;
     return axes;
 }
 

@@ -1,33 +1,32 @@
 // SPDX-License-Identifier: MIT
 //
-// Below the pair walk: the bounds of the bodies of one volume type, which answers whom a body may
-// meet. Every answer is a superset, at little more than its own cost.
-//
-// Bounds stand in blocks of four bodies, which a scan takes at once. Few bodies are scanned
-// for each question. Of many, those of common size are sorted into cells of a grid, hashed so that
-// the world has no edge, where cells that follow each other along X lie side by side in memory; the
-// others, and those that have moved since, are scanned.
+// Below the pair walk: the bounds of the bodies of one volume type, which answers who may meet
+// whom. Every answer is a superset, at little more than its own cost. Few bodies are scanned for
+// each question; of many, those of common size stand in a grid, and the others, and those that have
+// moved since, are scanned.
 #pragma once
 
-#include "vorn/core/float4.hpp"
-#include "vorn/math/box_shape.hpp"
-#include "vorn/math/vector3.hpp"
+#include "vorn/physics/body_grid.hpp"
+#include "vorn/physics/body_lanes.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
 namespace Vorn {
 
-/// A sphere about a body that holds all of it, rounding included. An infinite reach meets all.
-struct Bounds {
-    Vector3 center;
-    float reach = 0.0f;
+/// A body, and its place in the order of space.
+struct Placed {
+    int id, place;
 };
 
 class BodyGroup {
 public:
     using Id = int;
+    enum class Whom { All, Moved };
 
     void Clear();
     /// Ids ascend from call to call.
@@ -35,71 +34,102 @@ public:
     /// Call after the last Add.
     void Build();
 
+    /// Where a body stands in the order of space, after Build.
+    int PlaceOf(int index) const { return mPlaces[static_cast<std::size_t>(index)]; }
+    Bounds BoundsAt(int place) const {
+        const auto at = static_cast<std::size_t>(place), sorted = mGrid.Sorted().Size();
+        return at < sorted ? mGrid.Sorted().At(at) : mOutside.At(at - sorted);
+    }
+
+    /// Calls `found(first, second)` with each pair that may meet, the lower id first, in any order,
+    /// with some perhaps twice. False, with some of them told perhaps, where it is better to ask
+    /// for each body, or as soon as `found.GoesOn()` is.
+    template <typename Found>
+    bool FindPairs(const Stretch& stretch, Found& found) {
+        return mPairsKnown = mUsesGrid && mOutside.Size() < mAll.Size() / 8 &&
+                             findInGrid(stretch, found) && findOutside(stretch, found);
+    }
+    /// Whether that still holds, for all but those that have moved since.
+    bool PairsKnown() const { return mPairsKnown; }
+    bool AnyMoved() const { return mOutside.Size() > mUnmoved; }
+
     /// The bounds of a body that has moved. `index` counts the calls of Add.
     void Move(int index, const Bounds& bounds);
 
     /// Appends the ids from `from` on of those later than `index` whose spheres meet the sphere,
-    /// ascending.
-    void MeetSphere(const Bounds& sphere, int index, Id from, std::vector<Id>& out);
+    /// ascending: of all, or at least of all that have moved.
+    void MeetSphere(Whom whom, const Bounds& sphere, int index, Id from, std::vector<Id>& out);
     /// The same for those whose spheres reach into the box along each of its axes. `sides` is asked
     /// once, where there are any in the neighbourhood at all. An axis that has no length keeps
     /// nobody off; a box that lacks one has `bounds` without an end.
-    void MeetBox(const Bounds& bounds, const std::function<const BoxSides&()>& sides, int index,
-                 Id from, std::vector<Id>& out);
+    void MeetBox(Whom whom, const Bounds& bounds, const std::function<const BoxSides&()>& sides,
+                 int index, Id from, std::vector<Id>& out);
 
     /// All of them, ascending.
     const std::vector<Id>& Ids() const { return mIds; }
 
 private:
-    /// Four bodies side by side.
-    struct Block {
-        Float4 x{}, y{}, z{}, reach{};
-        Int4 id{};
-    };
-    /// Bounds in blocks; what is left of the last block has an id below all others.
-    class Lanes {
-    public:
-        std::vector<Block> blocks;
-
-        std::size_t Size() const { return mSize; }
-        void Resize(std::size_t size);
-        void Push(Id body, const Bounds& bounds);
-        void Set(std::size_t at, Id body, const Bounds& bounds);
-        Bounds At(std::size_t at) const;
-
-    private:
-        std::size_t mSize = 0;
-    };
-    struct Cell {
-        int x, y, z;
-    };
-
+    template <typename Found>
+    bool findInGrid(const Stretch& stretch, Found& found) {
+        const BodyLanes& sorted = mGrid.Sorted();
+        for (std::size_t at = 0; at < sorted.Size() && found.GoesOn(); ++at) {
+            const std::size_t count = mGrid.AskInFront(at, stretch, mAnswer);
+            tell({sorted.Id(at), static_cast<int>(at)}, sorted, 0, count, found);
+        }
+        return found.GoesOn();
+    }
+    template <typename Found>
+    bool findOutside(const Stretch& stretch, Found& found) {
+        const BodyLanes& sorted = mGrid.Sorted();
+        mAnswer.resize(std::max(mAnswer.size(), mAll.Size() + 4));
+        for (std::size_t at = 0; at < mOutside.Size() && found.GoesOn(); ++at) {
+            const Placed placed{mOutside.Id(at), static_cast<int>(sorted.Size() + at)};
+            const PairQuestion question(mOutside.At(at), stretch);
+            const auto ask = [&](const BodyLanes& lanes, std::size_t base, std::size_t begin) {
+                const int* end = question.Ask(lanes, begin, lanes.Size(), mAnswer.data());
+                tell(placed, lanes, base, static_cast<std::size_t>(end - mAnswer.data()), found);
+            };
+            ask(sorted, 0, 0);
+            ask(mOutside, sorted.Size(), at + 1);
+        }
+        return found.GoesOn();
+    }
+    // `base` is the place of the first of the lanes.
+    template <typename Found>
+    void tell(const Placed& placed, const BodyLanes& lanes, std::size_t base, std::size_t count,
+              Found& found) const {
+        const auto mine = std::bit_cast<std::uint64_t>(placed);
+        for (std::size_t i = 0; i < count; ++i) {
+            const int at = mAnswer[i];
+            const Placed other{lanes.Id(static_cast<std::size_t>(at)), static_cast<int>(base) + at};
+            if (other.id == placed.id)
+                continue;
+            // Exchanged without a branch, which nobody could predict.
+            const auto its = std::bit_cast<std::uint64_t>(other);
+            const std::uint64_t change = other.id < placed.id ? mine ^ its : 0;
+            found(std::bit_cast<Placed>(mine ^ change), std::bit_cast<Placed>(its ^ change));
+        }
+    }
     template <typename Question>
-    void meet(Question& question, int index, std::vector<Id>& out);
+    void meet(Question& question, Whom whom, int index, std::vector<Id>& out);
     template <typename Question>
     bool meetInGrid(Question& question, std::size_t scanCost, std::vector<Id>& out);
-    bool chooseCell();
-    void sortIntoCells();
-    bool isCommon(const Bounds& bounds) const;
-    Cell cellOf(const Vector3& point) const;
-    unsigned int rowOf(int y, int z) const;
+    void sort();
 
     std::vector<Id> mIds;
-    Lanes mAll;     // in the order of their ids
-    Lanes mSorted;  // in the grid, cell by cell
-    Lanes mOutside; // not in the grid, or not where they stand in it
+    BodyLanes mAll; // in the order of their ids
+    BodyGrid mGrid;
+    BodyLanes mOutside; // not in the grid, or not where they stand in it
 
-    bool mGrid = false;
-    std::size_t mFirst = 0;    // bodies before it are not in the grid
-    float mCell = 1.0f;        // edge of a cell
-    float mSpread = 1.0f;      // how much wider than need be cells are
-    float mCommonReach = 0.0f; // no body in the grid reaches further
+    bool mUsesGrid = false;
+    bool mPairsKnown = false;
+    std::size_t mFirst = 0;   // bodies before it are not in the grid
+    std::size_t mUnmoved = 0; // those outside from the start
     std::size_t mMaxOutside = 0;
     std::size_t mVisited = 0;       // since the bodies were sorted
-    std::vector<int> mBucketStart;  // of each bucket, in mSorted; one more behind the last
-    std::vector<int> mBucket;       // of each body, -1 outside
     std::vector<int> mOutsideIndex; // of each body, -1 while it stands in the grid only
-    std::vector<float> mSample;
+    std::vector<int> mPlaces;
+    std::vector<int> mAnswer;
 };
 
 } // namespace Vorn

@@ -19,33 +19,31 @@ inline Sphere BodySphere(const Vector3& position, const Vector3& size) {
     return {position, (size / 2).Length()};
 }
 
-/// The translation times the transpose of (the spin about the orientation times the turn of the
-/// orientation onto +Z).
-inline Matrix4 BodyTransform(const Vector3& position, const Vector3& orientation, float angle) {
+/// The transpose of (the spin about the orientation times the turn of the orientation onto +Z), row
+/// by row.
+struct BodyTurn {
+    float m[9];
+};
+
+inline BodyTurn TurnOf(const Vector3& orientation, float angle) {
     const Matrix4 spin = Matrix4::RotationAxisAngle(orientation, angle);
     const Matrix4 align = Matrix4::RotationAxisAlignZ(orientation);
-    const float* r = spin.m;
-    const float* a = align.m;
-    const auto element = [r, a](int row, int column) {
-        return r[4 * row] * a[column] + r[4 * row + 1] * a[4 + column] +
-               r[4 * row + 2] * a[8 + column];
-    };
-    return {element(0, 0),
-            element(1, 0),
-            element(2, 0),
-            position.x, //
-            element(0, 1),
-            element(1, 1),
-            element(2, 1),
-            position.y, //
-            element(0, 2),
-            element(1, 2),
-            element(2, 2),
-            position.z, //
-            0,
-            0,
-            0,
-            1};
+    BodyTurn turn;
+    for (int row = 0; row < 3; ++row)
+        for (int column = 0; column < 3; ++column)
+            turn.m[3 * column + row] = spin.m[4 * row] * align.m[column] +
+                                       spin.m[4 * row + 1] * align.m[4 + column] +
+                                       spin.m[4 * row + 2] * align.m[8 + column];
+    return turn;
+}
+
+/// The translation times the turn.
+inline Matrix4 BodyTransform(const Vector3& position, const BodyTurn& turn) {
+    const float* t = turn.m;
+    return {t[0], t[1], t[2], position.x, //
+            t[3], t[4], t[5], position.y, //
+            t[6], t[7], t[8], position.z, //
+            0,    0,    0,    1};
 }
 
 } // namespace Vorn

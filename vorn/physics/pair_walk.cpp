@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <numeric>
@@ -17,6 +18,17 @@ namespace Vorn {
 PairWalk* PairWalk::sRunning = nullptr;
 
 namespace {
+
+void SortOut(std::vector<int>& ids) {
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+}
+
+// By their bits: what is computed from them is the same, and a NaN is as it was.
+template <typename T>
+bool IsSame(const T& a, const T& b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
 
 // Whether rounding, or a rule for axes that are short or lie along Y, leaves the box three good
 // axes. It may be wrong where it says no.
@@ -49,6 +61,7 @@ void PairWalk::Run(const std::list<PhysicsCmpt*>& cmpts) {
     } entered(*this);
 
     gather(cmpts);
+    findHits();
     for (Id i = 0; i < count(); ++i)
         walkRow(i);
 }
@@ -88,6 +101,9 @@ void PairWalk::Append(const PhysicsSystem* system, PhysicsCmpt* cmpt) {
 
 void PairWalk::gather(const std::list<PhysicsCmpt*>& cmpts) {
     mBodies.clear();
+    mCategories.clear();
+    if (mTurns.size() < cmpts.size())
+        mTurns.resize(cmpts.size());
     mBoxes.Clear();
     mSpheres.Clear();
     for (std::vector<Id>* ids : {&mDynamicBoxes, &mDynamicSpheres, &mStrays, &mTouched})
@@ -97,7 +113,7 @@ void PairWalk::gather(const std::list<PhysicsCmpt*>& cmpts) {
         const Id id = add(cmpt);
         Body& added = body(id);
         link(id);
-        read(added);
+        read(id);
         if (added.dynamic && added.kind != Kind::None)
             (added.kind == Kind::Box ? mDynamicBoxes : mDynamicSpheres).push_back(id);
     }
@@ -109,15 +125,19 @@ void PairWalk::gather(const std::list<PhysicsCmpt*>& cmpts) {
         added.index = added.kind == Kind::Box ? boxes++ : spheres++;
         groupOf(added).Add(id, boundsOf(added));
     }
-    mShapes.resize(static_cast<std::size_t>(boxes));
     mBoxes.Build();
     mSpheres.Build();
+    mShapes.resize(static_cast<std::size_t>(boxes));
+    for (Shape& shape : mShapes)
+        shape.known = false;
 }
 
 PairWalk::Id PairWalk::add(PhysicsCmpt* cmpt) {
     Body& added = mBodies.emplace_back();
     added.cmpt = cmpt;
     added.entity = cmpt->Parent();
+    if (mTurns.size() < mBodies.size())
+        mTurns.emplace_back();
     return count() - 1;
 }
 
@@ -135,27 +155,33 @@ void PairWalk::link(Id id) {
         linked.entity->mBody = static_cast<unsigned int>(id);
 }
 
-void PairWalk::read(Body& body) const {
-    body.touched = false;
-    body.shaped = false;
-    body.kind = Kind::None;
-    if (!body.cmpt || !body.entity)
+void PairWalk::read(Id id) {
+    Body& read = body(id);
+    read.touched = false;
+    read.kind = Kind::None;
+    if (!read.cmpt || !read.entity)
         return;
-    const PhysicsCmpt& cmpt = *body.cmpt;
+    const PhysicsCmpt& cmpt = *read.cmpt;
     if (cmpt.mVolumeType == BoxVolume)
-        body.kind = Kind::Box;
+        read.kind = Kind::Box;
     else if (cmpt.mVolumeType == SphereVolume)
-        body.kind = Kind::Sphere;
-    body.dynamic = cmpt.mDynamicCheck;
-    body.mask = cmpt.mMask;
-    body.category = cmpt.mCategory;
-    body.velocity = cmpt.mLinearVelocity;
-    const Entity& entity = *body.entity;
-    body.size = BodySize(entity.Scale(), cmpt.mScaleFactor);
-    body.sphere = BodySphere(entity.Position(), body.size);
-    body.orientation = entity.Orientation();
-    body.angle = entity.Angle();
-    body.upright = IsUpright(entity.Position(), body.orientation, body.size);
+        read.kind = Kind::Sphere;
+    read.dynamic = cmpt.mDynamicCheck;
+    read.mask = cmpt.mMask;
+    read.category = cmpt.mCategory;
+    if (mCategories.size() < MostCategories &&
+        std::find(mCategories.begin(), mCategories.end(), read.category) == mCategories.end())
+        mCategories.push_back(read.category);
+    read.velocity = cmpt.mLinearVelocity;
+    const Entity& entity = *read.entity;
+    read.size = BodySize(entity.Scale(), cmpt.mScaleFactor);
+    read.sphere = BodySphere(entity.Position(), read.size);
+    if (read.kind != Kind::Box)
+        return;
+    Turn& turn = mTurns[static_cast<std::size_t>(id)];
+    if (!IsSame(turn.orientation, entity.Orientation()) || !IsSame(turn.angle, entity.Angle()))
+        turn = {entity.Orientation(), entity.Angle(), false, {}};
+    read.upright = IsUpright(entity.Position(), turn.orientation, read.size);
 }
 
 // Wide enough for all that rounding does to corners and distances. A sphere that may be swept
@@ -174,26 +200,45 @@ Bounds PairWalk::boundsOf(const Body& body) const {
 const PairWalk::Shape& PairWalk::shapeOf(Id id) {
     Body& box = body(id);
     // The shapes of strays are needed two at a time, and kept no longer.
-    Shape& shape = box.stray ? mStrayShapes[mLastStrayShape ^= 1]
-                             : mShapes[static_cast<std::size_t>(box.index)];
-    if (!box.shaped || box.stray) {
-        shape.corners =
-            CornersOf(BodyTransform(box.sphere.center, box.orientation, box.angle), box.size);
-        shape.sides.axes = AxesOf(shape.corners);
-        shape.sides.reach = Project(shape.corners, shape.sides.axes);
-        box.shaped = true;
-    }
+    if (!box.stray)
+        return shapeAt({id, box.place});
+    Shape& shape = mStrayShapes[mLastStrayShape ^= 1];
+    make(shape, id);
     return shape;
+}
+
+void PairWalk::make(Shape& shape, Id id) {
+    const Body& box = body(id);
+    Turn& turn = mTurns[static_cast<std::size_t>(id)];
+    if (!std::exchange(turn.known, true))
+        turn.turn = TurnOf(turn.orientation, turn.angle);
+    shape.corners = CornersOf(BodyTransform(box.sphere.center, turn.turn), box.size);
+    shape.sides.axes = AxesOf(shape.corners);
+    shape.sides.reach = Project(shape.corners, shape.sides.axes);
+    shape.known = true;
 }
 
 BodyGroup& PairWalk::groupOf(const Body& body) {
     return body.kind == Kind::Box ? mBoxes : mSpheres;
 }
 
+// Whether its mask leaves nobody. Bodies are of a few categories, as a rule; where they are of
+// more, each pair tells.
+bool PairWalk::refusesAll(const Body& a) const {
+    return a.mask.any() && mCategories.size() < MostCategories &&
+           std::all_of(mCategories.begin(), mCategories.end(),
+                       [&a](const std::bitset<64>& category) { return (a.mask & category).any(); });
+}
+
 void PairWalk::walkRow(Id i) {
-    findCandidates(i, i + 1);
+    if (refusesAll(body(i)))
+        return;
     // Nothing of the game runs before the first hit, so life is read there as at the row's start.
     bool knownAlive = false;
+    Id from = i + 1;
+    if (walkHits(i, from, knownAlive))
+        return;
+    findCandidates(i, from);
     for (std::size_t cursor = 0; cursor < mCandidates.size();) {
         const Id j = mCandidates[cursor++];
         if (!hits(i, j))
@@ -209,6 +254,47 @@ void PairWalk::walkRow(Id i) {
     }
 }
 
+// Hits lead all over the memory, and the next ones are known.
+void PairWalk::fetchAhead(std::size_t hit) const {
+    if (hit + 8 >= mHits.Size())
+        return;
+    const auto bodyAt = [this](std::size_t at) -> const Body& {
+        return mBodies[static_cast<std::size_t>(mHits[at])];
+    };
+    __builtin_prefetch(&bodyAt(hit + 8));
+    __builtin_prefetch(bodyAt(hit + 4).entity);
+    __builtin_prefetch(bodyAt(hit + 4).cmpt);
+}
+
+// False where the row has to go on at `from` in the other way.
+bool PairWalk::walkHits(Id i, Id& from, bool& knownAlive) {
+    const Body& a = body(i);
+    const BodyGroup& group = groupOf(a);
+    const auto& swept = a.kind == Kind::Sphere ? mDynamicBoxes : mDynamicSpheres;
+    if (!a.known || a.dynamic || !group.PairsKnown() || group.AnyMoved() || !mStrays.empty() ||
+        !swept.empty())
+        return false;
+    for (std::size_t at = mHits.Start(i); at < mHits.Start(i + 1); ++at) {
+        const Id j = mHits[at];
+        fetchAhead(at);
+        // A pair may have been found twice, and a body be gone.
+        if (j < from || body(i).kind == Kind::None || body(j).kind == Kind::None)
+            continue;
+        if (!knownAlive && !body(i).entity->IsAlive())
+            return true;
+        knownAlive = true;
+        from = j + 1;
+        if (!body(j).entity->IsAlive())
+            continue;
+        report(i, j);
+        if (!mTouched.empty()) {
+            settleAll();
+            return false;
+        }
+    }
+    return true;
+}
+
 // The bodies from `from` on that body i may meet.
 void PairWalk::findCandidates(Id i, Id from) {
     mCandidates.clear();
@@ -221,16 +307,25 @@ void PairWalk::findCandidates(Id i, Id from) {
         return;
     }
     Bounds bounds = boundsOf(a);
+    auto whom = BodyGroup::Whom::All;
+    if (a.known && groupOf(a).PairsKnown()) {
+        whom = BodyGroup::Whom::Moved;
+        const auto known = mHits.Of(i);
+        mCandidates.assign(std::lower_bound(known.begin(), known.end(), from), known.end());
+    }
     if (a.kind == Kind::Sphere) {
-        mSpheres.MeetSphere(bounds, a.index, from, mCandidates);
+        mSpheres.MeetSphere(whom, bounds, a.index, from, mCandidates);
     } else if (!a.dynamic) {
         // A box that lacks an axis, or may, reaches on along it without an end.
         if (!a.upright)
             bounds.reach = std::numeric_limits<float>::infinity();
         mBoxes.MeetBox(
-            bounds, [this, i]() -> const BoxSides& { return shapeOf(i).sides; }, a.index, from,
-            mCandidates);
+            whom, bounds, [this, i]() -> const BoxSides& { return shapeOf(i).sides; }, a.index,
+            from, mCandidates);
     }
+
+    if (whom == BodyGroup::Whom::Moved)
+        SortOut(mCandidates);
 
     const BodyGroup& others = a.kind == Kind::Sphere ? mBoxes : mSpheres;
     const std::vector<Id>& swept = a.kind == Kind::Sphere ? mDynamicBoxes : mDynamicSpheres;
@@ -316,27 +411,39 @@ std::size_t PairWalk::settle(Id i, Id j, std::size_t cursor) {
     return 0;
 }
 
+void PairWalk::settleAll() {
+    for (std::size_t k = 0; k < mTouched.size(); ++k)
+        refresh(mTouched[k]);
+    mTouched.clear();
+}
+
 // True if whom the body may meet has changed.
 bool PairWalk::refresh(Id id) {
     Body& changed = body(id);
-    const Kind kind = changed.kind;
-    const bool dynamic = changed.dynamic;
-    const Bounds before = boundsOf(changed);
-    read(changed);
+    const Body before = changed;
+    const Turn turned = mTurns[static_cast<std::size_t>(id)];
+    read(id);
     if (changed.stray)
         return true;
-    if (changed.kind != kind || changed.dynamic != dynamic) {
+    if (changed.kind != before.kind || changed.dynamic != before.dynamic) {
         changed.stray = true;
         mStrays.insert(std::upper_bound(mStrays.begin(), mStrays.end(), id), id);
         return true;
     }
-    if (kind == Kind::None)
+    if (changed.kind == Kind::None)
         return false;
-    const Bounds after = boundsOf(changed);
-    if (!(before.center == after.center && before.reach == after.reach))
-        groupOf(changed).Move(changed.index, after);
-    // A box may have turned about its centre.
-    return kind == Kind::Box || !(before.center == after.center && before.reach == after.reach);
+    const Turn& turn = mTurns[static_cast<std::size_t>(id)];
+    const bool swept = !mDynamicBoxes.empty() || !mDynamicSpheres.empty();
+    if (IsSame(before.sphere.center, changed.sphere.center) && IsSame(before.size, changed.size) &&
+        IsSame(turned.orientation, turn.orientation) && IsSame(turned.angle, turn.angle) &&
+        before.mask == changed.mask && before.category == changed.category &&
+        (!swept || IsSame(before.velocity, changed.velocity)))
+        return false;
+    if (changed.kind == Kind::Box)
+        mShapes[static_cast<std::size_t>(changed.place)].known = false;
+    groupOf(changed).Move(changed.index, boundsOf(changed));
+    changed.known = false;
+    return true;
 }
 
 void PairWalk::touch(const Entity* entity) {

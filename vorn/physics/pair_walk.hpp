@@ -3,11 +3,12 @@
 // Below PhysicsSystem: the walk over all pairs of bodies in the order of the list, at a cost that
 // follows the pairs that are close and not their square.
 //
-// What each body is, and bounds of it, are read once at the start; for each body in turn, two
-// BodyGroups name the later bodies that it may meet, and these alone are tested, in the order of
-// the list. A functor may change any body in the middle of it: whoever changes what the walk has
-// read says so by Touch, and the body is read anew before the next pair. Life and functors are
-// never remembered.
+// What each body is, and bounds of it, are read once at the start, and two BodyGroups name all
+// pairs that may meet. These are tested at once, neighbour by neighbour, and the hits put in the
+// order of the list; where a heap makes too many of them, each body asks for its own when its turn
+// comes. A functor may change any body in the middle of it: whoever changes what the walk has read
+// says so by Touch, the body is read anew before the next pair, and what was known of it is tested
+// again. Life and functors are never remembered.
 //
 // Some tests reach beyond the bounds of a body, and have a road of their own: the swept test of a
 // sphere and a box knows the box's planes only, which have no end, so each such pair is tested.
@@ -16,11 +17,15 @@
 #include "vorn/math/box_shape.hpp"
 #include "vorn/math/volumes.hpp"
 #include "vorn/physics/body_group.hpp"
+#include "vorn/physics/body_volume.hpp"
 #include "vorn/physics/fwd.hpp"
+#include "vorn/physics/pair_hits.hpp"
 #include "vorn/scene/fwd.hpp"
 
 #include <bitset>
+#include <cstddef>
 #include <list>
+#include <utility>
 #include <vector>
 
 namespace Vorn {
@@ -55,34 +60,68 @@ private:
         Sphere sphere;
         Vector3 velocity;
         Vector3 size;
-        Vector3 orientation;
-        float angle = 0.0f;
         Kind kind = Kind::None;
         bool dynamic = false;
         bool touched = false; // to be read anew
         bool stray = false;   // in no group, or in one that it no longer belongs to: may meet all
         bool upright = false; // a box whose three axes are sure to be of length 1, at right angles
-        bool shaped = false;  // its shape is known
+        bool known = false;   // its hits with later bodies are, but for those that have moved
         int index = -1;       // in its group
+        int place = 0;        // in its group's order of space
         Id next = -1;         // the next body of the same entity
+    };
+
+    /// Kept from step to step: turning costs more than all else that is read of a body.
+    struct Turn {
+        Vector3 orientation;
+        float angle = 0.0f;
+        bool known = false;
+        BodyTurn turn;
     };
 
     /// A box as it is asked by those before it, and as it asks those after it.
     struct Shape {
         BoxCorners corners;
         BoxSides sides;
+        bool known = false;
+    };
+
+    struct Traits {
+        std::bitset<64> mask, category;
+    };
+    struct PlacedPair {
+        Placed first, second;
     };
 
     void forget(const PhysicsCmpt* cmpt);
     void gather(const std::list<PhysicsCmpt*>& cmpts);
     Id add(PhysicsCmpt* cmpt);
     void link(Id id);
-    void read(Body& body) const;
+    void read(Id id);
     Bounds boundsOf(const Body& body) const;
     const Shape& shapeOf(Id id);
+    const Shape& shapeAt(const Placed& box) {
+        Shape& shape = mShapes[static_cast<std::size_t>(box.place)];
+        if (!shape.known)
+            make(shape, box.id);
+        return shape;
+    }
+    void make(Shape& shape, Id id);
     BodyGroup& groupOf(const Body& body);
 
+    void findHits();
+    void fetchBoxes();
+    template <typename Test>
+    bool findHits(BodyGroup& group, const Stretch& stretch, Test test);
+    template <typename Passes>
+    void keepPairs(Passes&& passes);
+    void testBoxes();
+    void testSpheres();
+
+    bool refusesAll(const Body& a) const;
     void walkRow(Id i);
+    bool walkHits(Id i, Id& from, bool& knownAlive);
+    void fetchAhead(std::size_t hit) const;
     void findCandidates(Id i, Id from);
     void addCandidates(const std::vector<Id>& ids, Id from);
     bool hits(Id i, Id j);
@@ -90,6 +129,7 @@ private:
     bool facesHit(Id box, Id sphere);
     void report(Id i, Id j);
     std::size_t settle(Id i, Id j, std::size_t cursor);
+    void settleAll();
     bool refresh(Id id);
 
     void touch(const Entity* entity);
@@ -103,13 +143,21 @@ private:
     const PhysicsSystem* mSystem;
     PairWalk* mOuter = nullptr;
     std::vector<Body> mBodies;
-    std::vector<Shape> mShapes; // of each body of mBoxes
+    std::vector<Turn> mTurns;       // by the id of the body
+    std::vector<Shape> mShapes;     // by the place of the box
+    std::vector<Traits> mBoxTraits; // by the place of the box
+    bool mAnyMask = false;          // of a box
+    std::size_t mPairsTested = 0;   // of boxes, in the last step
     Shape mStrayShapes[2];
     int mLastStrayShape = 0;
     BodyGroup mBoxes, mSpheres;
+    static constexpr std::size_t MostCategories = 16;
+    std::vector<std::bitset<64>> mCategories; // all that occur, or as many as are kept
     std::vector<Id> mDynamicBoxes, mDynamicSpheres;
     std::vector<Id> mStrays; // ascending
     std::vector<Id> mTouched;
+    std::vector<PlacedPair> mPairs; // to be tested
+    PairHits mHits;
     std::vector<Id> mCandidates; // of the row, ascending
     std::vector<Id> mMerged;
 };

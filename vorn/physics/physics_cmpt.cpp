@@ -159,8 +159,8 @@ AABB PhysicsCmpt::BoundingAABB() const {
 OBB PhysicsCmpt::BoundingOBB() const {
     if (!Parent())
         return {Matrix4::Identity, Vector3()};
-    return {BodyTransform(Parent()->Position(), Parent()->Orientation(), Parent()->Angle()),
-            size()};
+    const BodyTurn turn = TurnOf(Parent()->Orientation(), Parent()->Angle());
+    return {BodyTransform(Parent()->Position(), turn), size()};
 }
 
 Sphere PhysicsCmpt::BoundingSphere() const {

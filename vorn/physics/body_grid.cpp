@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+//
+// The grid is a counting sort over a hash of cells: M. Teschner, B. Heidelberger, M. Mueller,
+// D. Pomeranets, M. Gross, "Optimized Spatial Hashing for Collision Detection of Deformable
+// Objects", 2003. The hash is that of a dense grid, wrapped: what stands in a bounded world has its
+// cells to itself.
+#include "vorn/physics/body_grid.hpp"
+
+namespace Vorn {
+
+namespace {
+
+/// Cells are counted from the origin; what stands further out stays out of the grid, as a float
+/// does not tell neighbours there.
+constexpr float MaxCells = 1 << 16;
+/// Longer than the window of any body.
+constexpr std::size_t LeastRowLength = 16;
+constexpr int CellsInX = 4; // at most, to a cell in Y and Z
+
+bool IsFinite(const Bounds& b) {
+    return std::isfinite(b.center.x) && std::isfinite(b.center.y) && std::isfinite(b.center.z) &&
+           std::isfinite(b.reach);
+}
+
+} // namespace
+
+// By the largest of the common sizes, so that a body meets bodies in the cells around its own only.
+// Those more than twice as large as three quarters of all are not common: the others would crowd in
+// cells of their size.
+bool BodyGrid::ChooseCells(const BodyLanes& all) {
+    constexpr std::size_t SampleSize = 256;
+    const std::size_t step = std::max<std::size_t>(1, all.Size() / SampleSize);
+    mSample.clear();
+    Vector3 low, high;
+    for (std::size_t i = 0; i < all.Size(); i += step) {
+        const Bounds bounds = all.At(i);
+        if (!IsFinite(bounds))
+            continue;
+        const Vector3& c = bounds.center;
+        if (mSample.empty())
+            low = high = c;
+        low = {std::min(low.x, c.x), std::min(low.y, c.y), std::min(low.z, c.z)};
+        high = {std::max(high.x, c.x), std::max(high.y, c.y), std::max(high.z, c.z)};
+        mSample.push_back(bounds.reach);
+    }
+    if (mSample.empty())
+        return false;
+    const auto large = mSample.begin() + static_cast<std::ptrdiff_t>(mSample.size() * 3 / 4);
+    std::nth_element(mSample.begin(), large, mSample.end());
+    const float limit = 2.0f * *large;
+
+    mCommonReach = 0.0f;
+    for (std::size_t i = 0; i < all.Size(); ++i)
+        if (const float reach = all.At(i).reach; reach <= limit)
+            mCommonReach = std::max(mCommonReach, reach);
+    mCell = cellFor(all.Size(), high - low);
+    mScale = 1.0f / mCell;
+    if (!std::isnormal(mCell) || !std::isnormal(mScale))
+        return false;
+    chooseRows(all.Size(), high - low);
+    return true;
+}
+
+// So that a window reaches into few rows, and further where these are nearly empty.
+float BodyGrid::cellFor(std::size_t count, const Vector3& extent) const {
+    constexpr float Company = 6.0f; // bodies in a window's part of a row
+    const float least = 2.6f * mCommonReach;
+    const float window = 5.0f * mCommonReach;
+    const float area = std::max(extent.x, least) * std::max(extent.y, least) *
+                       std::max(extent.z, least) / (static_cast<float>(count) * window);
+    return std::clamp(std::sqrt(Company * area), least, 4.0f * least);
+}
+
+void BodyGrid::chooseRows(std::size_t count, const Vector3& extent) {
+    // One more on each side for the windows of those at the edge.
+    const auto cells = [this](float length) {
+        return static_cast<std::size_t>(std::min(length * mScale, MaxCells)) + 3;
+    };
+    const std::size_t x = cells(extent.x), y = cells(extent.y), z = cells(extent.z);
+    const std::size_t buckets = std::max(4 * LeastRowLength, std::bit_ceil(2 * count));
+    std::size_t rows = std::bit_ceil(y * z);
+    int fine = CellsInX;
+    const auto length = [&] {
+        return std::max(LeastRowLength, std::bit_ceil(x * static_cast<std::size_t>(fine)));
+    };
+    while (fine > 1 && rows * length() > buckets)
+        fine /= 2;
+    mRowLength = length();
+    while (rows * mRowLength > buckets) {
+        if (mRowLength > rows && mRowLength > LeastRowLength)
+            mRowLength /= 2;
+        else
+            rows /= 2;
+    }
+    mScaleX = mScale * static_cast<float>(fine);
+    mRowMask = static_cast<unsigned int>(rows - 1);
+    mStrideZ = static_cast<unsigned int>(y | 1);
+}
+
+bool BodyGrid::Holds(const Bounds& b) const {
+    const float edge = MaxCells * mCell;
+    return b.reach <= mCommonReach && std::abs(b.center.x) < edge && std::abs(b.center.y) < edge &&
+           std::abs(b.center.z) < edge;
+}
+
+void BodyGrid::Sort(const BodyLanes& all, std::size_t first, std::vector<int>& places) {
+    const std::size_t count = all.Size();
+    mStart.assign((mRowMask + 1) * mRowLength + 1, 0);
+    places.assign(count, -1);
+    for (std::size_t i = first; i < count; ++i) {
+        const Bounds bounds = all.At(i);
+        if (!Holds(bounds))
+            continue;
+        const std::size_t bucket = bucketOf(bounds.center);
+        places[i] = static_cast<int>(bucket);
+        ++mStart[bucket];
+    }
+    int end = 0;
+    for (int& start : mStart)
+        start = end += start;
+    mSorted.Resize(static_cast<std::size_t>(end));
+    // From the last to the first, each bucket's start moves down to where it belongs.
+    for (std::size_t i = count; i-- > first;)
+        if (places[i] >= 0) {
+            places[i] = --mStart[static_cast<std::size_t>(places[i])];
+            mSorted.Set(static_cast<std::size_t>(places[i]), all.Id(i), all.At(i));
+        }
+}
+
+std::size_t BodyGrid::AskInFront(std::size_t place, const Stretch& stretch,
+                                 std::vector<int>& out) const {
+    const Bounds bounds = mSorted.At(place);
+    const Cell cell = cellOf(bounds.center);
+    const float half = HalfWindow(bounds, stretch, mCommonReach);
+    const Vector3 corner(half, half, half);
+    const Window window{cellOf(bounds.center - corner), cellOf(bounds.center + corner)};
+    const PairQuestion question(bounds, stretch);
+    std::size_t count = 0;
+    const auto visit = [&](std::size_t begin, std::size_t end) {
+        // Rows that share a place in the hash are visited more than once.
+        if (begin >= end)
+            return;
+        if (out.size() < count + (end - begin) + 4)
+            out.resize(2 * out.size() + (end - begin) + 4);
+        count = static_cast<std::size_t>(question.Ask(mSorted, begin, end, out.data() + count) -
+                                         out.data());
+    };
+
+    // The rest of its own row, where only the first stretch begins at the body's own cell; then the
+    // rows behind.
+    std::size_t from = place + 1;
+    ForRow(cell.y, cell.z, cell.x, window.high.x, [&](std::size_t begin, std::size_t end) {
+        visit(std::max(begin, from), end);
+        from = 0;
+    });
+    for (int y = cell.y + 1; y <= window.high.y; ++y)
+        ForRow(y, cell.z, window.low.x, window.high.x, visit);
+    for (int z = cell.z + 1; z <= window.high.z; ++z)
+        for (int y = window.low.y; y <= window.high.y; ++y)
+            ForRow(y, z, window.low.x, window.high.x, visit);
+    return count;
+}
+
+bool BodyGrid::WindowOf(const Vector3& center, float half, Window& window) const {
+    const Vector3 corner(half, half, half);
+    const Vector3 low = center - corner, high = center + corner;
+    const float edge = 2.0f * MaxCells * mCell;
+    const float least = std::min({low.x, low.y, low.z});
+    const float most = std::max({high.x, high.y, high.z});
+    if (!(least > -edge && most < edge))
+        return false;
+    window = {cellOf(low), cellOf(high)};
+    return static_cast<std::size_t>(window.Run()) <= mRowLength;
+}
+
+std::size_t BodyGrid::bucketOf(const Vector3& point) const {
+    const Cell cell = cellOf(point);
+    return rowOf(cell.y, cell.z) + (static_cast<std::size_t>(cell.x) & (mRowLength - 1));
+}
+
+} // namespace Vorn
