@@ -5,7 +5,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 say() { printf '\033[1m== %s\033[0m\n' "$*"; }
 
 # What the project needs to be built and tested, all of Debian 12.
-build_packages=(g++ cmake ninja-build libjsoncpp-dev libgtest-dev libgmock-dev libbenchmark-dev libbullet-dev)
+build_packages=(g++ cmake ninja-build libjsoncpp-dev libsdl2-dev libgtest-dev libgmock-dev libbenchmark-dev libbullet-dev
+  xvfb xauth xdotool weston)
 check_packages=(clang clang-format libclang-rt-14-dev)
 
 # need PACKAGE...: installs those that are not there yet.

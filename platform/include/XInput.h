@@ -43,13 +43,20 @@ enum : WORD {
     XINPUT_GAMEPAD_Y = 0x8000
 };
 #define ERROR_SUCCESS 0
+#define ERROR_BAD_ARGUMENTS 160
 #define ERROR_DEVICE_NOT_CONNECTED 1167
 
 #pragma GCC visibility push(default)
 
-/// ERROR_SUCCESS, or ERROR_DEVICE_NOT_CONNECTED with the record as it was.
+// A pad has the lowest index that is free when it comes, and keeps it until it goes. While there is
+// a window, pads are brought up to date when the host fetches messages, like the keys; without one,
+// by XInputGetState itself. The focus does not matter. An index above 3 is a pad that is not there.
+
+/// ERROR_SUCCESS, or ERROR_DEVICE_NOT_CONNECTED with the record as it was. Null is
+/// ERROR_BAD_ARGUMENTS on a pad that is there.
 DWORD XInputGetState(DWORD index, XINPUT_STATE*);
-/// Motor speeds from 0 to 65535, until the next call.
+/// Motor speeds from 0 to 65535, until the next call; the left motor is the heavy one. Zeros on a
+/// pad that stands still, or is not there, cost nothing.
 DWORD XInputSetState(DWORD index, XINPUT_VIBRATION*);
 
 #pragma GCC visibility pop

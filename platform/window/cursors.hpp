@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+//
+// The pictures of the pointer. A handle stays good until the process ends; what SDL needs for it is
+// made when it is first shown, since a game loads its cursor before it has a window.
+#pragma once
+
+#include <windows.h>
+
+namespace VornPlatform {
+
+/// Shows the cursor, null for none, and gives the one before. A handle that is no cursor's changes
+/// nothing and gives null.
+HCURSOR ShowCursorPicture(HCURSOR cursor);
+/// The pointer as a whole, apart from its picture.
+void ShowPointer(bool shown);
+/// Video ends: what SDL holds of the pictures goes.
+void DropCursors();
+
+} // namespace VornPlatform

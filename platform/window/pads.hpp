@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+//
+// The game pads of SDL in their four slots. A pad takes the lowest free slot when it comes, and
+// gives it back when it goes; one that found none waits for that.
+#pragma once
+
+#include <windows.h>
+
+namespace VornPlatform {
+
+/// Sees who came and went, and brings the answers of the slots up to date. Nothing without pads.
+void UpdatePads();
+/// Sees who came and went; the answers stay but for those.
+void SeatPads();
+/// The slot of a pad, by SDL's number for it, or -1.
+int SlotOf(int instance);
+/// Zeros on a pad that stands still cost nothing.
+void Rumble(DWORD slot, WORD left, WORD right);
+void ClosePads();
+
+} // namespace VornPlatform

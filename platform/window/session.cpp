@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "platform/window/session.hpp"
+#include "platform/control/vorn_platform.hpp"
+#include "platform/window/cursors.hpp"
+#include "platform/window/pads.hpp"
+#include "platform/window/window.hpp"
+
+#include <SDL.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace VornPlatform {
+
+namespace {
+
+constinit bool isOver = false;
+constinit bool videoRuns = false;
+constinit bool padsRun = false;
+constinit bool headlessForced = false;
+constexpr const char* HeadlessDriver = "offscreen";
+
+bool DriverIs(const char* name) {
+    const char* driver = SDL_GetCurrentVideoDriver();
+    return driver && std::strcmp(driver, name) == 0;
+}
+
+void StopVideo() {
+    if (!videoRuns)
+        return;
+    DestroyWindows();
+    DropCursors();
+    SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    videoRuns = false;
+}
+
+void ShutDown() {
+    isOver = true;
+    StopVideo();
+    ClosePads();
+    if (padsRun)
+        SDL_QuitSubSystem(SDL_INIT_GAMECONTROLLER);
+    padsRun = false;
+    if (SDL_WasInit(0) == 0) // else SDL is in use by the host too
+        SDL_Quit();
+}
+
+// What SDL would otherwise do to the machine or keep from us. A host that has set one of these
+// itself, or the user by the environment, is not overruled.
+void SetHints() {
+    static bool done = false;
+    if (done)
+        return;
+    done = true;
+    const auto set = [](const char* name, const char* value) {
+        SDL_SetHintWithPriority(name, value, SDL_HINT_DEFAULT);
+    };
+    set(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    set(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    set(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
+    set(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");        // WM_CLOSE says it
+    set(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");         // the click that activates is a click
+    set(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1"); // XInput does not ask for the focus
+}
+
+bool InitVideo() {
+    if (headlessForced)
+        SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, HeadlessDriver, SDL_HINT_OVERRIDE);
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) == 0)
+        return true;
+    if (SDL_GetHint(SDL_HINT_VIDEODRIVER))
+        return false;
+    SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, HeadlessDriver, SDL_HINT_OVERRIDE);
+    return SDL_InitSubSystem(SDL_INIT_VIDEO) == 0;
+}
+
+} // namespace
+
+bool StartVideo() {
+    if (isOver)
+        return false;
+    if (videoRuns && headlessForced && !IsHeadless() && !NewestWindow())
+        StopVideo();
+    if (videoRuns)
+        return true;
+    SetHints();
+    if (!InitVideo())
+        return false;
+    videoRuns = true;
+    // Nobody would free the texts of these.
+    SDL_EventState(SDL_DROPFILE, SDL_DISABLE);
+    SDL_EventState(SDL_DROPTEXT, SDL_DISABLE);
+    // Handlers run in reverse: this one before those of the drivers that have just been loaded.
+    std::atexit(ShutDown);
+    return true;
+}
+
+bool StartPads() {
+    if (isOver)
+        return false;
+    if (padsRun)
+        return true;
+    SetHints();
+    if (SDL_InitSubSystem(SDL_INIT_GAMECONTROLLER) != 0)
+        return false;
+    padsRun = true;
+    std::atexit(ShutDown);
+    return true;
+}
+
+bool VideoRuns() {
+    return videoRuns;
+}
+
+bool PadsRun() {
+    return padsRun;
+}
+
+bool IsHeadless() {
+    return DriverIs(HeadlessDriver) || DriverIs("dummy");
+}
+
+bool HasScreenPointer() {
+    return DriverIs("x11");
+}
+
+void ForceHeadless() {
+    headlessForced = true;
+}
+
+bool HasDisplay() {
+    return videoRuns && NewestWindow() && !IsHeadless();
+}
+
+} // namespace VornPlatform
