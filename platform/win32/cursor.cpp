@@ -4,15 +4,21 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <utility>
 
 using namespace VornPlatform;
 
-HCURSOR LoadCursorFromFileA(LPCSTR) {
-    return nullptr;
+HCURSOR LoadCursorFromFileA(LPCSTR path) {
+    if (!path)
+        return nullptr;
+    auto picture = ReadCursorFile(path);
+    return picture ? KeepCursor(std::move(*picture)) : nullptr;
 }
 
-HANDLE LoadImageA(HINSTANCE, LPCSTR, UINT, int, int, UINT) {
-    return nullptr;
+HANDLE LoadImageA(HINSTANCE, LPCSTR name, UINT type, int, int, UINT) {
+    const bool isNumber = reinterpret_cast<std::uintptr_t>(name) <= 0xFFFF;
+    return type == IMAGE_CURSOR && !isNumber ? LoadCursorFromFileA(name) : nullptr;
 }
 
 HCURSOR SetCursor(HCURSOR cursor) {
@@ -21,6 +27,7 @@ HCURSOR SetCursor(HCURSOR cursor) {
 
 int ShowCursor(BOOL show) {
     static int count = 0;
+    // No further: the engine hides the pointer with every WM_SETCURSOR.
     count = std::clamp(count + (show ? 1 : -1), -1, 0);
     ShowPointer(count >= 0);
     return count;

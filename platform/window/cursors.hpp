@@ -4,15 +4,21 @@
 // made when it is first shown, since a game loads its cursor before it has a window.
 #pragma once
 
+#include "platform/window/cursor_file.hpp"
+
 #include <windows.h>
 
 namespace VornPlatform {
 
-/// Shows the cursor, null for none, and gives the one before. A handle that is no cursor's changes
-/// nothing and gives null.
+HCURSOR KeepCursor(CursorPicture picture);
+/// Shows the cursor, null for none, and gives the one before; at first that is the system's arrow.
+/// A handle that is no cursor's changes nothing and gives null.
 HCURSOR ShowCursorPicture(HCURSOR cursor);
 /// The pointer as a whole, apart from its picture.
 void ShowPointer(bool shown);
+
+/// Video has come up: it shows what was asked for before.
+void RefreshPointer();
 /// Video ends: what SDL holds of the pictures goes.
 void DropCursors();
 

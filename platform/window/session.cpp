@@ -87,6 +87,7 @@ bool StartVideo() {
     if (!InitVideo())
         return false;
     videoRuns = true;
+    RefreshPointer();
     // Nobody would free the texts of these.
     SDL_EventState(SDL_DROPFILE, SDL_DISABLE);
     SDL_EventState(SDL_DROPTEXT, SDL_DISABLE);
