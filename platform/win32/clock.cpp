@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "platform/win32/clock.hpp"
 #include "platform/control/vorn_platform.hpp"
+#include "platform/window/input_state.hpp"
 
 #include <windows.h>
 
@@ -15,13 +17,27 @@ using Clock = std::chrono::steady_clock;
 // difference against a counter of zero has to be longer than any frame.
 constexpr std::chrono::nanoseconds HeadStart = std::chrono::seconds(10);
 
-std::optional<std::int64_t> heldCounts;
+constinit std::optional<std::int64_t> heldCounts;
+// What a recording has put the counter ahead of the machine's, or behind it.
+constinit std::int64_t shift = 0;
+
+std::int64_t MachineCounter() {
+    return std::chrono::nanoseconds(Clock::now().time_since_epoch() + HeadStart).count();
+}
+
+std::int64_t Answer() {
+    using namespace VornPlatform;
+    if (Source())
+        return Source()->Counter();
+    return heldCounts ? *heldCounts : RunningCounter();
+}
 
 } // namespace
 
 BOOL QueryPerformanceCounter(LARGE_INTEGER* counter) {
-    const std::chrono::nanoseconds now = Clock::now().time_since_epoch() + HeadStart;
-    counter->QuadPart = heldCounts.value_or(now.count());
+    counter->QuadPart = Answer();
+    if (VornPlatform::InputListener* listener = VornPlatform::Listener())
+        listener->OnCounter(counter->QuadPart);
     return TRUE;
 }
 
@@ -35,6 +51,14 @@ void Sleep(DWORD milliseconds) {
 }
 
 namespace VornPlatform {
+
+std::int64_t RunningCounter() {
+    return MachineCounter() + shift;
+}
+
+void ContinueCounter(std::int64_t counts) {
+    shift = counts - MachineCounter();
+}
 
 void HoldClock(std::int64_t counts) {
     heldCounts = counts;

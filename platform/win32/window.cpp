@@ -38,6 +38,7 @@ void ActivateHeadless(HWND handle) {
     for (const HWND window : LiveWindows())
         window->focused = window == handle;
     if (ActiveWindow()) {
+        const Unheard byTheHost;
         ActivateFocused();
         return;
     }
@@ -48,6 +49,7 @@ void ActivateHeadless(HWND handle) {
 void Hide(HWND__& window) {
     SDL_HideWindow(window.window);
     if (IsHeadless() && window.focused) {
+        const Unheard byTheHost;
         window.focused = false;
         Activate(&window, false);
     }

@@ -132,6 +132,13 @@ void ReleaseKeys(HWND window, LPARAM pointer) {
     for (std::size_t i = 0; i < pressedAs.size(); ++i)
         if (pressedAs[i])
             Release(window, static_cast<SDL_Scancode>(i));
+    // Keys that no keyboard holds are those of a recording.
+    for (int key = 0; key < static_cast<int>(Input().keys.size()); ++key)
+        if (const auto place = KeysymOf(key); place && IsHeld(key)) {
+            UpdateKey(key, false);
+            if (window && WithoutSide(key) == key)
+                PostKey(window, place->scancode, key, false, true);
+        }
     for (const Button& button : Buttons)
         if (IsHeld(button.virtualKey))
             Press(window, button, false, false, pointer);

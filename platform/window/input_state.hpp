@@ -51,12 +51,26 @@ public:
     virtual void OnPad(DWORD index, const PadAnswer& answer) = 0;
     virtual void OnMessage(const MSG& message) = 0;
     virtual void OnCounter(std::int64_t counts) = 0;
+    /// One event is in, with all the changes and messages that it makes.
+    virtual void OnEventEnd() = 0;
     /// The host has fetched its last message for now.
     virtual void OnFrameEnd() = 0;
 };
 /// One at a time; null for none.
 void ListenToInput(InputListener* listener);
 InputListener* Listener();
+/// Nobody listens while one lives: what a call of the host does by itself, it does again when the
+/// recording is played.
+class Unheard {
+public:
+    Unheard() : mListener(Listener()) { ListenToInput(nullptr); }
+    Unheard(const Unheard&) = delete;
+    Unheard& operator=(const Unheard&) = delete;
+    ~Unheard() { ListenToInput(mListener); }
+
+private:
+    InputListener* mListener;
+};
 
 /// Stands in for the machine. Live events are read and thrown away meanwhile.
 class InputSource {

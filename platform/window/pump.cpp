@@ -34,6 +34,8 @@ void OnSize(HWND__& window) {
     if (window.fullScreen)
         return; // the host goes on in the size that it knows
     SDL_GetWindowSize(window.window, &window.width, &window.height);
+    if (Source())
+        return;
     const bool maximized = (SDL_GetWindowFlags(window.window) & SDL_WINDOW_MAXIMIZED) != 0;
     PostInput(&window, WM_SIZE, maximized ? SIZE_MAXIMIZED : SIZE_RESTORED,
               Pack({window.width, window.height}));
@@ -62,19 +64,15 @@ void OnWindowEvent(HWND__& window, const SDL_WindowEvent& event) {
         return OnFocus(window, false);
     case SDL_WINDOWEVENT_CLOSE:
         return OnClose(&window);
-    default:
-        break;
-    }
-    if (Source())
-        return;
-    switch (event.event) {
     case SDL_WINDOWEVENT_SIZE_CHANGED:
     case SDL_WINDOWEVENT_RESTORED:
         return OnSize(window);
     case SDL_WINDOWEVENT_MINIMIZED:
-        return PostInput(&window, WM_SIZE, SIZE_MINIMIZED, 0);
+        if (!Source())
+            PostInput(&window, WM_SIZE, SIZE_MINIMIZED, 0);
+        return;
     case SDL_WINDOWEVENT_MOVED:
-        if (!window.fullScreen)
+        if (!Source() && !window.fullScreen)
             PostInput(&window, WM_MOVE, 0, Pack({event.data1, event.data2}));
         return;
     default:
@@ -195,8 +193,9 @@ bool FetchLive() {
 bool FetchInput() {
     if (Source() && !liveDropped) {
         // The machine's own events are read so that a window can still be closed.
-        while (FetchLive() && Source()) {
-        }
+        while (FetchLive())
+            if (!Source())
+                return true; // what has ended it waits in the queue
         liveDropped = true;
     }
     if (Source()) {
@@ -206,11 +205,12 @@ bool FetchInput() {
         return false;
     }
     liveDropped = false;
-    if (FetchLive())
-        return true;
-    if (Listener())
+    const bool any = FetchLive();
+    if (Listener() && any)
+        Listener()->OnEventEnd();
+    else if (Listener())
         Listener()->OnFrameEnd();
-    return false;
+    return any;
 }
 
 void Activate(HWND window, bool active) {

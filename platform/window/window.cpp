@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/window.hpp"
 #include "platform/window/held_keys.hpp"
+#include "platform/window/input_state.hpp"
 #include "platform/window/message_queue.hpp"
 
 #include <algorithm>
@@ -105,7 +106,10 @@ void DestroyLiveWindow(HWND__& window) {
         }
     } const end{window};
     if (window.active) {
-        ReleaseKeys(nullptr, 0);
+        {
+            const Unheard byTheHost;
+            ReleaseKeys(nullptr, 0);
+        }
         window.active = false;
         CallProcedure(&window, WM_ACTIVATE, 0, 0);
     }
