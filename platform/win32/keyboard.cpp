@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/input_state.hpp"
-#include "platform/window/session.hpp"
-#include "platform/window/window.hpp"
 
 #include <windows.h>
-
-#include <SDL.h>
 
 using namespace VornPlatform;
 
@@ -18,10 +14,5 @@ BOOL GetCursorPos(LPPOINT position) {
     if (!position)
         return FALSE;
     *position = Input().cursor;
-    // The pointer moves between two messages too; a recording does not see that.
-    const HWND__* active = ActiveWindow();
-    const bool mapped = active && active->fullScreen;
-    if (VideoRuns() && HasScreenPointer() && !mapped && !Source() && !Listener())
-        SDL_GetGlobalMouseState(&position->x, &position->y);
     return TRUE;
 }

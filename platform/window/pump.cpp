@@ -26,8 +26,22 @@ LPARAM Pack(POINT point) {
 
 void MovePointer(const HWND__& window, int x, int y) {
     pointer = ToClient(window, x, y);
-    if (window.fullScreen || !HasScreenPointer())
-        SetPointer(ClientToScreen(window, pointer));
+    SetPointer(ClientToScreen(window, pointer));
+}
+
+// Outside of our windows too, where the desktop tells. It may tell less than the events do, so only
+// what it tells anew counts.
+void FollowScreenPointer() {
+    static POINT told = {};
+    const HWND__* active = ActiveWindow();
+    if (!VideoRuns() || !HasScreenPointer() || (active && active->fullScreen))
+        return;
+    POINT position = {};
+    SDL_GetGlobalMouseState(&position.x, &position.y);
+    if (position.x == told.x && position.y == told.y)
+        return;
+    told = position;
+    SetPointer(position);
 }
 
 void OnSize(HWND__& window) {
@@ -163,12 +177,7 @@ void AskMachine() {
     if (Source())
         return;
     UpdatePads();
-    const HWND__* active = ActiveWindow();
-    if (VideoRuns() && HasScreenPointer() && !(active && active->fullScreen)) {
-        POINT position = {};
-        SDL_GetGlobalMouseState(&position.x, &position.y);
-        SetPointer(position);
-    }
+    FollowScreenPointer();
 }
 
 // In this frame.
