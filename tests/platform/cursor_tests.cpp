@@ -22,7 +22,7 @@ struct CursorFile {
                               std::uint32_t width = 2, std::uint32_t twoHeights = 4,
                               std::uint32_t used = 0) {
         return Number(40, 4) + Number(width, 4) + Number(twoHeights, 4) + Number(1, 2) +
-               Number(static_cast<std::uint32_t>(bits), 2) + Number(0, 12) + Number(0, 4) +
+               Number(static_cast<std::uint32_t>(bits), 2) + std::string(16, '\0') +
                Number(used, 4) + Number(0, 4) + palette + colors + mask;
     }
     static std::string Cur(const std::string& bitmap, std::uint32_t type = 2,
