@@ -209,13 +209,12 @@ Player& ThePlayer() {
 
 void EndAtExit() {
     static const bool done = [] {
-        std::atexit([] {
-            if (Listener())
-                TheRecorder().End();
-            if (Source())
-                ThePlayer().End();
-        });
-        return true;
+        return std::atexit([] {
+                   if (Listener())
+                       TheRecorder().End();
+                   if (Source())
+                       ThePlayer().End();
+               }) == 0;
     }();
     static_cast<void>(done);
 }

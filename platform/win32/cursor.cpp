@@ -16,7 +16,9 @@ HCURSOR LoadCursorFromFileA(LPCSTR path) {
     return picture ? KeepCursor(std::move(*picture)) : nullptr;
 }
 
-HANDLE LoadImageA(HINSTANCE, LPCSTR name, UINT type, int, int, UINT) {
+HANDLE LoadImageA(HINSTANCE /*instance*/, LPCSTR name, UINT type, int /*cx*/, int /*cy*/,
+                  UINT /*flags*/) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): a resource number in a pointer
     const bool isNumber = reinterpret_cast<std::uintptr_t>(name) <= 0xFFFF;
     return type == IMAGE_CURSOR && !isNumber ? LoadCursorFromFileA(name) : nullptr;
 }

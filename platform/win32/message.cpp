@@ -38,7 +38,7 @@ BOOL PeekMessageA(LPMSG message, HWND window, UINT min, UINT max, UINT remove) {
     return TRUE;
 }
 
-BOOL TranslateMessage(const MSG*) {
+BOOL TranslateMessage(const MSG* /*message*/) {
     return FALSE;
 }
 
@@ -46,6 +46,7 @@ LRESULT DispatchMessageA(const MSG* message) {
     if (!message)
         return 0;
     if (message->message == WM_MOUSEMOVE)
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the message bears the handle
         CallProcedure(message->hwnd, WM_SETCURSOR, reinterpret_cast<WPARAM>(message->hwnd),
                       static_cast<LPARAM>(PackWords(HTCLIENT, WM_MOUSEMOVE)));
     return CallProcedure(message->hwnd, message->message, message->wParam, message->lParam);

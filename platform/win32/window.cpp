@@ -35,7 +35,7 @@ SDL_Window* MakeWindow(LPCSTR title, DWORD style, int x, int y, int w, int h) {
 
 // Nobody else gives a window the focus where there is no desktop.
 void ActivateHeadless(HWND handle) {
-    for (const HWND window : LiveWindows())
+    for (HWND window : LiveWindows())
         window->focused = window == handle;
     if (ActiveWindow()) {
         const Unheard byTheHost;
@@ -63,8 +63,9 @@ void Show(HWND__& window) {
 
 } // namespace
 
-HMODULE GetModuleHandleA(LPCSTR) {
+HMODULE GetModuleHandleA(LPCSTR /*name*/) {
     static char module;
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): an opaque handle
     return reinterpret_cast<HMODULE>(&module);
 }
 
@@ -76,12 +77,13 @@ ATOM RegisterClassExA(const WNDCLASSEXA* description) {
                       description->hCursor});
 }
 
-BOOL AdjustWindowRect(LPRECT rect, DWORD, BOOL) {
+BOOL AdjustWindowRect(LPRECT rect, DWORD /*style*/, BOOL /*menu*/) {
     return rect ? TRUE : FALSE;
 }
 
-HWND CreateWindowExA(DWORD, LPCSTR cls, LPCSTR title, DWORD style, int x, int y, int w, int h, HWND,
-                     HMENU, HINSTANCE, LPVOID) {
+HWND CreateWindowExA(DWORD /*exStyle*/, LPCSTR cls, LPCSTR title, DWORD style, int x, int y, int w,
+                     int h, HWND /*parent*/, HMENU /*menu*/, HINSTANCE /*instance*/,
+                     LPVOID /*param*/) {
     const WindowClass* found = FindClass(cls);
     if (!found || !StartVideo())
         return nullptr;
@@ -95,7 +97,7 @@ HWND CreateWindowExA(DWORD, LPCSTR cls, LPCSTR title, DWORD style, int x, int y,
     window.window = MakeWindow(title ? title : "", style, x, y, window.width, window.height);
     if (!window.window)
         return nullptr;
-    const HWND handle = AddWindow(window);
+    HWND handle = AddWindow(window);
     if (style & WS_POPUP)
         EnterFullScreen(*handle);
     return handle;
@@ -166,15 +168,15 @@ LONG SetWindowLongA(HWND handle, int index, LONG value) {
     return before;
 }
 
-HMENU GetMenu(HWND) {
+HMENU GetMenu(HWND /*window*/) {
     return nullptr;
 }
 
-BOOL SetMenu(HWND window, HMENU) {
+BOOL SetMenu(HWND window, HMENU /*menu*/) {
     return LiveWindow(window) != nullptr;
 }
 
-BOOL SetWindowPos(HWND handle, HWND, int x, int y, int cx, int cy, UINT flags) {
+BOOL SetWindowPos(HWND handle, HWND /*after*/, int x, int y, int cx, int cy, UINT flags) {
     HWND__* window = LiveWindow(handle);
     if (!window)
         return FALSE;

@@ -3,6 +3,7 @@
 #include "platform/window/input_state.hpp"
 #include "platform/window/key_table.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -19,10 +20,9 @@ bool IsHeld(int virtualKey) {
 
 // Several keys may share a code, as both Enters do and the two sides of Shift.
 bool AnyPressedAs(int virtualKey) {
-    for (const std::uint8_t pressed : pressedAs)
-        if (pressed && (pressed == virtualKey || WithoutSide(pressed) == virtualKey))
-            return true;
-    return false;
+    return std::any_of(pressedAs.begin(), pressedAs.end(), [virtualKey](std::uint8_t pressed) {
+        return pressed && (pressed == virtualKey || WithoutSide(pressed) == virtualKey);
+    });
 }
 
 void UpdateKey(int virtualKey, bool down) {

@@ -243,8 +243,9 @@ int VirtualKeyOf(const SDL_Keysym& key) {
     const int place = PlaceOf(scancode).virtualKey;
     if (IsDigit(place))
         return place; // layouts that give digits with Shift only
-    const auto label = std::find_if(std::begin(Labels), std::end(Labels),
-                                    [&](const Label& other) { return other.character == key.sym; });
+    const auto* label = std::find_if(std::begin(Labels), std::end(Labels), [&](const Label& other) {
+        return other.character == key.sym;
+    });
     if (label != std::end(Labels))
         return label->virtualKey;
     if (IsLetter(place) && IsElsewhere(place, scancode))
@@ -273,7 +274,7 @@ int ScanCodeOf(SDL_Scancode scancode) {
 }
 
 std::optional<SDL_Keysym> KeysymOf(int virtualKey) {
-    const auto place = std::find_if(std::begin(Places), std::end(Places), [&](const Place& other) {
+    const auto* place = std::find_if(std::begin(Places), std::end(Places), [&](const Place& other) {
         return other.virtualKey == virtualKey || WithoutSide(other.virtualKey) == virtualKey;
     });
     if (virtualKey <= 0 || place == std::end(Places))
@@ -283,11 +284,11 @@ std::optional<SDL_Keysym> KeysymOf(int virtualKey) {
     key.scancode = place->scancode;
     key.sym = SDL_GetKeyFromScancode(place->scancode);
     // What depends on the layout is sent as a keyboard would that has the label in its US place.
-    const auto label = std::find_if(std::begin(Labels), std::end(Labels), [&](const Label& other) {
+    const auto* label = std::find_if(std::begin(Labels), std::end(Labels), [&](const Label& other) {
         return other.virtualKey == virtualKey;
     });
     if (label != std::end(Labels))
-        key.sym = label->character;
+        key.sym = static_cast<unsigned char>(label->character);
     else if (IsLetter(virtualKey))
         key.sym = SDLK_a + (virtualKey - 'A');
     else if (IsDigit(virtualKey))

@@ -18,7 +18,9 @@ std::deque<MSG>& Queue() {
 }
 
 bool Passes(const MSG& message, HWND window, UINT first, UINT last) {
-    const HWND ownerless = reinterpret_cast<HWND>(std::intptr_t(-1));
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast,performance-no-int-to-ptr): its
+    // name
+    HWND ownerless = reinterpret_cast<HWND>(std::intptr_t(-1));
     if (window == ownerless ? message.hwnd != nullptr : window && message.hwnd != window)
         return false;
     return (first == 0 && last == 0) || (message.message >= first && message.message <= last);

@@ -95,7 +95,7 @@ void SeatPads() {
         if (slots[i].pad && !SDL_GameControllerGetAttached(slots[i].pad))
             Leave(i);
     for (int device = 0; device < SDL_NumJoysticks(); ++device) {
-        const auto free =
+        auto* const free =
             std::find_if(slots.begin(), slots.end(), [](const Slot& slot) { return !slot.pad; });
         if (free == slots.end())
             return;

@@ -15,7 +15,7 @@ void SeatPads();
 /// The slot of a pad, by SDL's number for it, or -1.
 int SlotOf(int instance);
 /// Zeros on a pad that stands still cost nothing.
-void Rumble(DWORD slot, WORD left, WORD right);
+void Rumble(DWORD index, WORD left, WORD right);
 void ClosePads();
 
 } // namespace VornPlatform

@@ -160,7 +160,7 @@ void OnLiveInput(const SDL_Event& event) {
 
 void OnEvent(const SDL_Event& event) {
     if (event.type == SDL_QUIT) {
-        for (const HWND window : LiveWindows())
+        for (HWND window : LiveWindows())
             OnClose(window);
     } else if (event.type == SDL_WINDOWEVENT) {
         if (HWND__* window = WindowOfSdl(event.window.windowID))
@@ -237,10 +237,10 @@ void Activate(HWND window, bool active) {
 }
 
 void ActivateFocused() {
-    for (const HWND window : LiveWindows())
+    for (HWND window : LiveWindows())
         if (!window->focused)
             Activate(window, false);
-    for (const HWND window : LiveWindows())
+    for (HWND window : LiveWindows())
         if (window->focused)
             Activate(window, true);
 }

@@ -92,8 +92,7 @@ bool StartVideo() {
     SDL_EventState(SDL_DROPFILE, SDL_DISABLE);
     SDL_EventState(SDL_DROPTEXT, SDL_DISABLE);
     // Handlers run in reverse: this one before those of the drivers that have just been loaded.
-    std::atexit(ShutDown);
-    return true;
+    return std::atexit(ShutDown) == 0;
 }
 
 bool StartPads() {
@@ -105,8 +104,7 @@ bool StartPads() {
     if (SDL_InitSubSystem(SDL_INIT_GAMECONTROLLER) != 0)
         return false;
     padsRun = true;
-    std::atexit(ShutDown);
-    return true;
+    return std::atexit(ShutDown) == 0;
 }
 
 bool VideoRuns() {

@@ -52,6 +52,7 @@ ATOM KeepClass(WindowClass windowClass) {
 
 const WindowClass* FindClass(LPCSTR nameOrNumber) {
     const auto& classes = Classes();
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): a number in a pointer
     const auto number = reinterpret_cast<std::uintptr_t>(nameOrNumber);
     if (number <= 0xFFFF) {
         const std::size_t index = number - FirstClass; // wraps below it
