@@ -142,11 +142,12 @@ void Rumble(DWORD index, WORD left, WORD right) {
 }
 
 void ClosePads() {
-    for (Slot& slot : slots)
-        if (slot.pad) {
-            SDL_GameControllerClose(slot.pad);
-            slot = {};
-        }
+    for (DWORD i = 0; i < slots.size(); ++i) {
+        if (slots[i].pad)
+            SDL_GameControllerClose(slots[i].pad);
+        slots[i] = {};
+        SetPad(i, {});
+    }
 }
 
 } // namespace VornPlatform

@@ -118,8 +118,10 @@ void DestroyLiveWindow(HWND__& window) {
 }
 
 void DestroyWindows() {
+    ReleaseKeys(nullptr, 0);
     for (const auto& record : Records())
         if (record->window) {
+            DropMessages(record.get());
             SDL_DestroyWindow(record->window);
             record->window = nullptr;
         }

@@ -115,6 +115,19 @@ TEST_F(X11Test, LosingTheFocusLetsGoOfTheKeys) {
     EXPECT_EQ(Of(WM_KEYUP).size(), 1u);
 }
 
+TEST_F(X11Test, HeadlessIsForcedAlsoAfterAWindowOnTheDisplay) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            DestroyWindow(Open());
+            const bool seen = std::string(SDL_GetCurrentVideoDriver()) == "x11";
+            VornPlatform::ForceHeadless();
+            ShowWindow(Open(), SW_SHOWDEFAULT);
+            std::exit(seen && !VornPlatform::HasDisplay() && Of(WM_ACTIVATE).size() == 1 ? 0 : 3);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 // That the display is filled takes a window manager: see the other desktop.
 TEST_F(X11Test, FullScreenAndBackIsWhereItWas) {
     const HWND window = ShowActive();
