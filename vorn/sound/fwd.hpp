@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace Vorn {
+
+class SoundManager;
+
+} // namespace Vorn
