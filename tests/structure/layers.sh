@@ -17,8 +17,13 @@ headers() { find "$@" -name '*.hpp' ! -name fwd.hpp; }
 
 may_not "$(find platform -name '*.cpp' -o -name '*.h*')" 'vorn/' 'the platform knows nothing of the engine'
 may_not "$(find vorn -name '*.?pp')" 'platform/' 'the engine sees of the platform only its include folder'
-may_not "$(headers vorn/core vorn/math)" 'vorn/(scene|physics|render)/[^f]' 'core and math stand at the bottom'
-may_not "$(headers vorn/scene)" 'vorn/(physics|render)/[^f]' 'the scene stands below physics and render'
-may_not "$(headers vorn/physics)" 'vorn/render/[^f]' 'physics stands below render'
+upper='physics|trigger|render|input|sound|shell'
+may_not "$(headers vorn/core vorn/math)" "vorn/(scene|$upper)/[^f]" 'core and math stand at the bottom'
+may_not "$(headers vorn/scene)" "vorn/($upper)/[^f]" 'the scene stands below all that uses it'
+may_not "$(headers vorn/physics)" 'vorn/(trigger|render|input|sound|shell)/[^f]' 'physics stands beside triggers, below the rest'
+may_not "$(headers vorn/trigger)" 'vorn/(physics|render|input|sound|shell)/[^f]' 'triggers stand beside physics, below the rest'
+may_not "$(headers vorn/render)" 'vorn/(input|sound|shell)/[^f]' 'render, input and sound stand beside each other'
+may_not "$(headers vorn/input)" 'vorn/(render|sound|shell)/[^f]' 'render, input and sound stand beside each other'
+may_not "$(headers vorn/sound)" 'vorn/(render|input|shell)/[^f]' 'render, input and sound stand beside each other'
 may_not "$(find vorn -name '*.hpp')" 'json/(reader|writer)\.h' 'JSON is parsed and written in core/json.cpp only'
 exit $faults

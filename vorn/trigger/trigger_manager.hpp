@@ -83,7 +83,7 @@ void TriggerManager::Raise(T& event) {
             expected.mType != Trigger::EventType::BaseEventType<T>::mName)
             continue;
         T& script = *static_cast<T*>(expected.mData);
-        if (script.CheckCondition(event, script, trigger))
+        if (script.CheckCondition(event, script, trigger) && !trigger.mAction.mCommands.empty())
             mActive.push_back(trigger.mAction);
     }
 }
