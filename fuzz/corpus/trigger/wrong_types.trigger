@@ -1,0 +1,1 @@
+{ "Event": ["KEY_RELEASED Z", 3], "Action": { "WAIT": 1 } }
