@@ -24,6 +24,9 @@ namespace {
 
 constexpr DWORD WindowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
 constexpr WORD CursorResource = 101;
+// Of the record where pointers have 32 bits, as the platform's other records are told; pointers
+// here make ours longer, and the layer does not look at the field.
+constexpr UINT ClassRecordSize = 48;
 
 void SetActive(bool active) {
     Engine::isActive = active;
@@ -83,7 +86,7 @@ void Engine::Init(const std::string& title, unsigned int width, unsigned int hei
     mWindowHeight = height;
 
     mWc = {};
-    mWc.cbSize = sizeof(mWc);
+    mWc.cbSize = ClassRecordSize;
     mWc.style = CS_CLASSDC;
     mWc.lpfnWndProc = &WindowProcedure;
     mWc.hInstance = GetModuleHandleA(nullptr);
