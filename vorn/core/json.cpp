@@ -74,12 +74,18 @@ T Read(const Json::Value* value, std::string_view key, const T& fallback, const 
 } // namespace
 
 Json::Value ParseJson(std::string_view text) {
+    bool whole = false;
+    return ParseJson(text, whole);
+}
+
+Json::Value ParseJson(std::string_view text, bool& whole) {
     const ClassicLocale classic;
     Json::Value root;
     Json::Reader reader;
+    whole = false;
     try {
         // Without its comments, for which JsonCpp takes time by the square of their number.
-        reader.parse(text.data(), text.data() + text.size(), root, false);
+        whole = reader.parse(text.data(), text.data() + text.size(), root, false);
     } catch (const Json::Exception&) {
         return {};
     }

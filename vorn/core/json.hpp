@@ -31,6 +31,8 @@ namespace Vorn {
 /// of 1000 levels. Comments are passed over and not kept. Numbers are read with a decimal point,
 /// whatever locale the host has set.
 VORN_API Json::Value ParseJson(std::string_view text);
+/// The same. `whole` becomes whether the text had no fault; what follows a root is none.
+VORN_API Json::Value ParseJson(std::string_view text, bool& whole);
 
 /// The styled text of a value, with a line end.
 VORN_API std::string WriteJson(const Json::Value& value);

@@ -86,8 +86,12 @@ Trigger* Trigger::LoadScript(const std::string& name) {
 }
 
 Trigger* Trigger::FromText(std::string_view text) {
-    const Json::Value root = ParseJson(text);
+    bool whole = false;
+    const Json::Value root = ParseJson(text, whole);
     auto trigger = std::make_unique<Trigger>();
+    // Half of a list of commands would do half of what was meant.
+    if (!whole)
+        return trigger.release();
     for (const std::string& element : ReadLines(root, "Event"))
         ReadEvent(trigger->mEvent, element);
     for (std::string& line : ReadLines(root, "Action"))

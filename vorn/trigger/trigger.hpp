@@ -69,8 +69,8 @@ struct VORN_API Trigger : StaticData {
 
     /// Reads a script: "data/trigger/" and `name`, which carries its own extension. Raises
     /// std::runtime_error for a file that cannot be opened, and DataError where "Event" or "Action"
-    /// is no array or an element of them no text. Everything else counts as far as it can be read:
-    /// a text with a fault up to there, an unknown event as one that never happens.
+    /// is no array or an element of them no text. A text with a fault gives a trigger without
+    /// an event object and without commands, and an unknown event one that never fires.
     static Trigger* LoadScript(const std::string& name);
     /// The same from the text of a script.
     static Trigger* FromText(std::string_view text);

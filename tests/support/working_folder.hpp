@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/temp_folder.hpp"
+
+namespace Tests {
+
+/// A fresh folder that is the working directory for as long as the object lives, for what is read
+/// from "data/" beside the program.
+class WorkingFolder : public TempFolder {
+public:
+    WorkingFolder() { std::filesystem::current_path(Path()); }
+    ~WorkingFolder() {
+        std::error_code ignored;
+        std::filesystem::current_path(mBefore, ignored);
+    }
+
+private:
+    std::filesystem::path mBefore = std::filesystem::current_path();
+};
+
+} // namespace Tests
