@@ -33,14 +33,17 @@ bool HasDisplay();
 // was made last, and takes effect when the host next fetches its messages. Without a window nothing
 // happens.
 
-/// `virtualKey` is a Win32 code; a mouse button's is passed over.
+/// `virtualKey` is a Win32 code; one that no keyboard has, as a mouse button's, is passed over.
+/// Down again without up is a repeat. The number pad's lock is lit at the start.
 void SendKey(int virtualKey, bool down);
 /// (unit: client pixels)
 void SendMouseMove(int x, int y);
-/// 1, 2 and 4 are the left, right and middle button.
+/// 1, 2 and 4 are the left, right and middle button, 5 and 6 the two at the side. At the place of
+/// the last SendMouseMove.
 void SendMouseButton(int virtualKey, bool down);
-/// Away from the user is positive.
+/// Away from the user is positive. A fraction waits until it is a whole unit of the message.
 void SendMouseWheel(float notches);
+/// Losing it lets go of all that was sent down.
 void SendFocus(bool focused);
 /// As a click on the cross of the window.
 void SendClose();
@@ -76,15 +79,19 @@ private:
 
 // Recording. Everything that comes in from below is kept frame by frame: messages, keys, cursor,
 // pads, and each answer of the performance counter. A frame ends when the host has fetched its last
-// message. A game that takes everything else from its files goes the same way again.
+// message. A game that takes everything else from its files goes the same way again. Begin between
+// two frames, and before the program keeps an answer of the counter: played answers are those of
+// then. docs/input_recording.md describes the file.
 
-/// Raises std::runtime_error where the file cannot be made. Ends what is recorded or played.
+/// Ends what is recorded or played. Raises std::runtime_error where the file cannot be made.
 void RecordInput(const std::string& path);
 /// Live input is kept away until the recording is at its end or stopped. Raises std::runtime_error,
 /// with file and line, for a file that is missing or broken, and goes on as before.
 void PlayInput(const std::string& path);
 bool IsPlayingInput();
-/// Ends recording and playing; keys that a recording held down come up.
+/// Ends recording and playing; keys that a recording held down come up, with their messages. Raises
+/// std::runtime_error where a recording could not be written whole. Passed over if there is
+/// neither.
 void StopInput();
 
 } // namespace VornPlatform

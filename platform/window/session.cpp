@@ -16,7 +16,7 @@ namespace {
 
 constinit bool isOver = false;
 constinit bool videoRuns = false;
-constinit bool padsRun = false;
+constinit bool padsRun = false, padsFailed = false;
 constinit bool headlessForced = false;
 constexpr const char* HeadlessDriver = "offscreen";
 
@@ -96,12 +96,13 @@ bool StartVideo() {
 }
 
 bool StartPads() {
-    if (isOver)
-        return false;
+    if (isOver || padsFailed)
+        return false; // a game asks many times a frame
     if (padsRun)
         return true;
     SetHints();
-    if (SDL_InitSubSystem(SDL_INIT_GAMECONTROLLER) != 0)
+    padsFailed = SDL_InitSubSystem(SDL_INIT_GAMECONTROLLER) != 0;
+    if (padsFailed)
         return false;
     padsRun = true;
     return std::atexit(ShutDown) == 0;
