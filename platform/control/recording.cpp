@@ -121,11 +121,11 @@ public:
         for (DWORD index = 0; index < 4; ++index)
             SetPad(index, {});
         // The first frame is the state at the start.
-        while (Source() && Next()) {
+        while (Next()) {
         }
     }
 
-    void End() {
+    void End() override {
         TakeInputFrom(nullptr);
         mRecording.clear();
         ContinueCounter(mAnswer + (RunningCounter() - mAnsweredAt));
@@ -144,7 +144,6 @@ public:
             ++mFrame, mItem = mAsked = 0;
         else
             mAsked = frame.counters.size(); // the host was quicker then
-        EndIfOver();
         return any;
     }
 
@@ -157,13 +156,14 @@ public:
             return Answered(mAnswer + (RunningCounter() - mAnsweredAt));
         }
         const std::int64_t recorded = frame.counters[mAsked++];
-        Answered(mAhead ? std::max(recorded, mAnswer) : recorded);
-        const std::int64_t answer = mAnswer;
-        EndIfOver();
-        return answer;
+        return Answered(mAhead ? std::max(recorded, mAnswer) : recorded);
     }
 
-    void OnClose() override { End(); }
+    bool IsOver() const override {
+        const RecordedFrame& frame = mRecording[mFrame];
+        return mFrame + 1 == mRecording.size() && mItem == frame.items.size() &&
+               mAsked == frame.counters.size();
+    }
 
     void operator()(const RecordedMessage& recorded) const {
         MSG message = recorded.message;
@@ -183,12 +183,6 @@ private:
         mAnswer = counts;
         mAnsweredAt = RunningCounter();
         return counts;
-    }
-    void EndIfOver() {
-        const RecordedFrame& frame = mRecording[mFrame];
-        if (mFrame + 1 == mRecording.size() && mItem == frame.items.size() &&
-            mAsked == frame.counters.size())
-            End();
     }
 
     Recording mRecording;
@@ -248,7 +242,7 @@ void PlayInput(const std::string& path) {
 }
 
 bool IsPlayingInput() {
-    return Source() != nullptr;
+    return Source() && !Source()->IsOver();
 }
 
 void StopInput() {

@@ -79,8 +79,9 @@ public:
     /// Lets the next of what comes in through the door; false when this frame has no more.
     virtual bool Next() = 0;
     virtual std::int64_t Counter() = 0;
-    /// The user closes a window: playing ends.
-    virtual void OnClose() = 0;
+    /// Nothing is left. The host may still be in the last frame.
+    virtual bool IsOver() const = 0;
+    virtual void End() = 0;
 };
 void TakeInputFrom(InputSource* source);
 InputSource* Source();

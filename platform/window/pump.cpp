@@ -66,7 +66,7 @@ void OnFocus(HWND__& window, bool focused) {
 
 void OnClose(HWND window) {
     if (Source())
-        Source()->OnClose();
+        Source()->End(); // the user takes over
     PostInput(window, WM_CLOSE, 0, 0);
 }
 
@@ -200,6 +200,10 @@ bool FetchLive() {
 } // namespace
 
 bool FetchInput() {
+    if (Source() && Source()->IsOver()) {
+        Source()->End();
+        return true; // what it held down has come up
+    }
     if (Source() && !liveDropped) {
         // The machine's own events are read so that a window can still be closed.
         while (FetchLive())

@@ -200,8 +200,28 @@ TEST_F(RecordingTest, AHeldCounterIsRecordedAsItIsAnswered) {
     EXPECT_EQ(Counter(), 700);
     EXPECT_EQ(Counter(), 600);
     EXPECT_FALSE(IsPlayingInput()) << "nothing is left";
+    Pump();
     EXPECT_EQ(Counter(), 1);
     VornPlatform::ReleaseClock();
+}
+
+TEST_F(RecordingTest, TheLastFrameIsAFrameLikeTheOthers) {
+    Show();
+    PlayInput(folder.File("last.input", "vorn-input 1\nframe\nkey 65 1 0\n"
+                                        "pad 0 1 4096 0 0 0 0 0 0\nframe\n"));
+    EXPECT_TRUE(IsPlayingInput());
+    Pump();
+    EXPECT_FALSE(IsPlayingInput());
+    XINPUT_STATE pad = {};
+    EXPECT_TRUE(Down('A')) << "the host works on what it has fetched";
+    EXPECT_EQ(XInputGetState(0, &pad), DWORD(ERROR_SUCCESS));
+    log.clear();
+    VornPlatform::SendKey('B', true);
+    Pump();
+    EXPECT_FALSE(Down('A'));
+    EXPECT_TRUE(Down('B')) << "live input counts from here";
+    EXPECT_NE(XInputGetState(0, &pad), DWORD(ERROR_SUCCESS));
+    EXPECT_THAT(Messages(), testing::ElementsAre(WM_KEYUP, WM_KEYDOWN));
 }
 
 TEST_F(RecordingTest, ClosingTheWindowStopsIt) {
