@@ -18,8 +18,7 @@ std::deque<MSG>& Queue() {
 }
 
 bool Passes(const MSG& message, HWND window, UINT first, UINT last) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast,performance-no-int-to-ptr): its
-    // name
+    // NOLINTNEXTLINE(*-reinterpret-cast,performance-no-int-to-ptr): a number by definition
     HWND ownerless = reinterpret_cast<HWND>(std::intptr_t(-1));
     if (window == ownerless ? message.hwnd != nullptr : window && message.hwnd != window)
         return false;
