@@ -19,6 +19,8 @@
 //   class Door_Opened final : public Vorn::Trigger::EventType::BaseEventType<Door_Opened> { ... };
 //   template <>
 //   std::string Vorn::Trigger::EventType::BaseEventType<Door_Opened>::mName = "DOOR_OPENED";
+//
+// Where the class stands in a header, the name is declared there and defined in one source.
 #pragma once
 
 #include "vorn/core/api.hpp"
