@@ -77,7 +77,10 @@ public:
     }
     // The host meets the first message of an event when all its changes are made.
     void OnEventEnd() override {
+        if (mMessages.empty())
+            return;
         mLines += mMessages;
+        mLines += EventLine;
         mMessages.clear();
     }
     void OnCounter(std::int64_t counts) override {
@@ -139,7 +142,7 @@ public:
         const RecordedFrame& frame = mRecording[mFrame];
         const bool any = mItem < frame.items.size();
         if (any)
-            std::visit(*this, frame.items[mItem++]);
+            takeEvent(frame);
         else if (mFrame + 1 < mRecording.size())
             ++mFrame, mItem = mAsked = 0;
         else
@@ -177,8 +180,20 @@ public:
     void operator()(const RecordedKey& key) const { SetKey(key.virtualKey, key.state); }
     void operator()(const RecordedPad& pad) const { SetPad(pad.index, pad.answer); }
     void operator()(const RecordedCursor& cursor) const { SetPointer(cursor.position); }
+    void operator()(const RecordedEventEnd&) const {}
 
 private:
+    // Whole, so that the host meets its first message when the others are queued: what the host
+    // posts then comes behind them.
+    void takeEvent(const RecordedFrame& frame) {
+        while (mItem < frame.items.size()) {
+            const RecordedItem& item = frame.items[mItem++];
+            std::visit(*this, item);
+            if (std::holds_alternative<RecordedEventEnd>(item))
+                return;
+        }
+    }
+
     std::int64_t Answered(std::int64_t counts) {
         mAnswer = counts;
         mAnsweredAt = RunningCounter();

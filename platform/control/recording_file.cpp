@@ -92,6 +92,9 @@ private:
         if (kind == "frame") {
             Fields({});
             mRecording.emplace_back();
+        } else if (kind == "event") {
+            Fields({});
+            frame.items.emplace_back(RecordedEventEnd{});
         } else if (kind == "message") {
             frame.items.emplace_back(Message(Fields(MessageFields)));
         } else if (kind == "key") {
@@ -190,6 +193,7 @@ struct Writer {
                     {m.window, m.message.message, static_cast<std::int64_t>(m.message.wParam),
                      m.message.lParam, m.message.time, m.message.pt.x, m.message.pt.y});
     }
+    std::string operator()(const RecordedEventEnd&) const { return std::string(EventLine); }
     std::string operator()(const RecordedKey& key) const {
         return Join("key", {key.virtualKey, (key.state & KeyDown) != 0, key.state & KeyToggled});
     }

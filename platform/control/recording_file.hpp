@@ -31,7 +31,10 @@ struct RecordedPad {
 struct RecordedCursor {
     POINT position;
 };
-using RecordedItem = std::variant<RecordedMessage, RecordedKey, RecordedPad, RecordedCursor>;
+/// Behind all that one event has changed and queued.
+struct RecordedEventEnd {};
+using RecordedItem =
+    std::variant<RecordedMessage, RecordedKey, RecordedPad, RecordedCursor, RecordedEventEnd>;
 
 struct RecordedFrame {
     std::vector<RecordedItem> items;
@@ -45,6 +48,7 @@ Recording ReadRecording(std::string_view text, const std::string& name);
 
 // One line each, with its end.
 inline constexpr std::string_view RecordingHead = "vorn-input 1\n";
+inline constexpr std::string_view EventLine = "event\n";
 inline constexpr std::string_view FrameLine = "frame\n";
 std::string Line(const RecordedItem& item);
 /// `difference` to the answer before, the first to 0.

@@ -44,7 +44,15 @@ protected:
 class Game {
 public:
     void Frame() {
+        constexpr UINT OwnMessage = 0x400;
         for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
+            // Its place among the others counts.
+            if (message.message == OwnMessage) {
+                Add(OwnMessage);
+                continue;
+            }
+            if (message.message == WM_KEYDOWN)
+                PostMessageA(message.hwnd, OwnMessage, 0, 0);
             for (const std::uint64_t number :
                  {std::uint64_t(message.message), std::uint64_t(message.wParam),
                   std::uint64_t(message.lParam), std::uint64_t(message.time),

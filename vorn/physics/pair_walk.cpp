@@ -256,14 +256,18 @@ void PairWalk::walkRow(Id i) {
 
 // Hits lead all over the memory, and the next ones are known.
 void PairWalk::fetchAhead(std::size_t hit) const {
-    if (hit + 8 >= mHits.Size())
+    constexpr std::size_t Far = 16, Near = 8;
+    if (hit + Far >= mHits.Size())
         return;
     const auto bodyAt = [this](std::size_t at) -> const Body& {
         return mBodies[static_cast<std::size_t>(mHits[at])];
     };
-    __builtin_prefetch(&bodyAt(hit + 8));
-    __builtin_prefetch(bodyAt(hit + 4).entity);
-    __builtin_prefetch(bodyAt(hit + 4).cmpt);
+    __builtin_prefetch(&bodyAt(hit + Far));
+    const Body& soon = bodyAt(hit + Near);
+    if (!soon.cmpt)
+        return;
+    __builtin_prefetch(&soon.entity->mAlive);
+    __builtin_prefetch(&soon.cmpt->mResponse);
 }
 
 // False where the row has to go on at `from` in the other way.

@@ -113,11 +113,14 @@ void PairWalk::testBoxes() {
     keepPairs([this](const PlacedPair& pair) {
         return Reaches(shapeAt(pair.first).sides, mBoxes.BoundsAt(pair.second.place));
     });
+    // Boxes that are swept hit no box.
+    if (!mDynamicBoxes.empty())
+        keepPairs([this](const PlacedPair& pair) {
+            return !body(pair.first.id).dynamic && !body(pair.second.id).dynamic;
+        });
     for (const PlacedPair& pair : mPairs) {
         const BoxSides& sides = shapeAt(pair.first).sides;
-        const BoxCorners& corners = shapeAt(pair.second).corners;
-        if (Overlap(sides.reach, Project(corners, sides.axes)) && !body(pair.first.id).dynamic &&
-            !body(pair.second.id).dynamic)
+        if (Overlap(sides.reach, Project(shapeAt(pair.second).corners, sides.axes)))
             mHits.Add(pair.first.id, pair.second.id);
     }
 }
