@@ -102,6 +102,7 @@ TEST_F(RecordingTest, TheSameInputLeadsToTheSameState) {
     Game recorded;
     for (int frame = 0; frame < 60; ++frame) {
         VornPlatform::SendKey('A' + frame % 26, frame % 3 != 0);
+        VornPlatform::SendKey(VK_RETURN, frame % 2 == 0); // two messages at once
         VornPlatform::SendMouseMove(frame * 5, frame - 10);
         VornPlatform::SendMouseButton(VK_RBUTTON, frame % 7 == 0);
         VornPlatform::SendMouseWheel(0.3f);
