@@ -256,7 +256,7 @@ void PairWalk::walkRow(Id i) {
 
 // Hits lead all over the memory, and the next ones are known.
 void PairWalk::fetchAhead(std::size_t hit) const {
-    constexpr std::size_t Far = 16, Near = 8;
+    constexpr std::size_t Far = 8, Near = 4;
     if (hit + Far >= mHits.Size())
         return;
     const auto bodyAt = [this](std::size_t at) -> const Body& {
