@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/window.hpp"
-#include "platform/window/input_state.hpp"
-#include "platform/window/message_queue.hpp"
 #include "platform/window/pump.hpp"
 #include "platform/window/session.hpp"
 
@@ -37,27 +35,31 @@ SDL_Window* MakeWindow(LPCSTR title, DWORD style, int x, int y, int w, int h) {
 void ActivateHeadless(HWND handle) {
     for (HWND window : LiveWindows())
         window->focused = window == handle;
-    if (ActiveWindow()) {
-        const Unheard byTheHost;
-        ActivateFocused();
+    ActivateAtOnce(handle, true);
+}
+
+// The active window has gone.
+void ActivateNextHeadless() {
+    if (!IsHeadless() || ActiveWindow())
         return;
-    }
-    handle->active = true;
-    CallProcedure(handle, WM_ACTIVATE, WA_ACTIVE, 0);
+    if (HWND__* next = NewestShownWindow())
+        ActivateHeadless(next);
 }
 
 void Hide(HWND__& window) {
     SDL_HideWindow(window.window);
-    if (IsHeadless() && window.focused) {
-        const Unheard byTheHost;
-        window.focused = false;
-        Activate(&window, false);
-    }
+    if (!IsHeadless())
+        return;
+    const bool wasActive = window.active;
+    window.focused = false;
+    ActivateAtOnce(&window, false);
+    if (wasActive)
+        ActivateNextHeadless();
 }
 
 void Show(HWND__& window) {
     SDL_ShowWindow(window.window);
-    if (IsHeadless() && !window.active)
+    if (IsHeadless() && !window.dying && !(window.active && window.told))
         ActivateHeadless(&window);
 }
 
@@ -107,7 +109,10 @@ BOOL DestroyWindow(HWND handle) {
     HWND__* window = LiveWindow(handle);
     if (!window)
         return FALSE;
+    const bool wasActive = window->active; // false while it is being destroyed
     DestroyLiveWindow(*window);
+    if (wasActive)
+        ActivateNextHeadless();
     return TRUE;
 }
 

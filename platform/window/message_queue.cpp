@@ -48,6 +48,12 @@ void DropMessages(HWND window) {
     std::erase_if(Queue(), [window](const MSG& message) { return message.hwnd == window; });
 }
 
+void DropMessages(HWND window, UINT message) {
+    std::erase_if(Queue(), [window, message](const MSG& waiting) {
+        return waiting.hwnd == window && waiting.message == message;
+    });
+}
+
 DWORD MessageTime() {
     using namespace std::chrono;
     const auto now = duration_cast<milliseconds>(steady_clock::now().time_since_epoch());
@@ -55,8 +61,12 @@ DWORD MessageTime() {
 }
 
 LRESULT CallProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const HWND__* record = LiveWindow(window);
-    return record ? record->procedure(window, message, wParam, lParam) : 0;
+    HWND__* record = LiveWindow(window);
+    if (!record)
+        return 0;
+    if (message == WM_ACTIVATE)
+        record->told = LOWORD(wParam) != WA_INACTIVE;
+    return record->procedure(window, message, wParam, lParam);
 }
 
 } // namespace VornPlatform

@@ -13,11 +13,12 @@ void Enqueue(const MSG& message);
 /// says so; false if there is none.
 bool TakeMessage(MSG& message, HWND window, UINT first, UINT last, bool remove);
 void DropMessages(HWND window);
+void DropMessages(HWND window, UINT message);
 
 /// Milliseconds since some moment before the first message.
 DWORD MessageTime();
 
-/// Runs the window's procedure; 0 without such a window.
+/// Runs the window's procedure, and notes what it is told by WM_ACTIVATE; 0 without such a window.
 LRESULT CallProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 } // namespace VornPlatform

@@ -2,6 +2,7 @@
 #include "platform/window/pump.hpp"
 #include "platform/window/held_keys.hpp"
 #include "platform/window/input_state.hpp"
+#include "platform/window/message_queue.hpp"
 #include "platform/window/pads.hpp"
 #include "platform/window/session.hpp"
 #include "platform/window/window.hpp"
@@ -238,6 +239,25 @@ void Activate(HWND window, bool active) {
     }
     record->active = active;
     PostInput(window, WM_ACTIVATE, active ? WA_ACTIVE : WA_INACTIVE, 0);
+}
+
+void ActivateAtOnce(HWND window, bool active) {
+    if (active)
+        for (HWND other : LiveWindows())
+            if (other != window)
+                ActivateAtOnce(other, false);
+    HWND__* record = LiveWindow(window);
+    const HWND__* other = ActiveWindow();
+    if (!record || record->dying || (active && other && other != record))
+        return; // a procedure has wanted it otherwise
+    if (record->active && !active) {
+        const Unheard byTheHost;
+        ReleaseKeys(window, Pack(pointer));
+    }
+    record->active = active;
+    DropMessages(window, WM_ACTIVATE);
+    if (record->told != active)
+        CallProcedure(window, WM_ACTIVATE, active ? WA_ACTIVE : WA_INACTIVE, 0);
 }
 
 void ActivateFocused() {

@@ -14,6 +14,9 @@ bool FetchInput();
 /// Tells the window that it has the focus or has lost it, with the next messages; once for each
 /// change. What was held comes up before.
 void Activate(HWND window, bool active);
+/// The same before it returns, where no desktop gives the focus. What still waits to be told of it
+/// is told now or dropped.
+void ActivateAtOnce(HWND window, bool active);
 /// Activates the window that has the focus, and no other.
 void ActivateFocused();
 

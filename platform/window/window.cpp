@@ -80,6 +80,12 @@ HWND__* ActiveWindow() {
     return Find([](const HWND__& record) { return record.active; });
 }
 
+HWND__* NewestShownWindow() {
+    return Find([](const HWND__& record) {
+        return !record.dying && (SDL_GetWindowFlags(record.window) & SDL_WINDOW_SHOWN) != 0;
+    });
+}
+
 std::vector<HWND> LiveWindows() {
     std::vector<HWND> windows;
     for (const auto& record : Records())
@@ -107,13 +113,13 @@ void DestroyLiveWindow(HWND__& window) {
         }
     } const end{window};
     if (window.active) {
-        {
-            const Unheard byTheHost;
-            ReleaseKeys(nullptr, 0);
-        }
-        window.active = false;
-        CallProcedure(&window, WM_ACTIVATE, 0, 0);
+        const Unheard byTheHost;
+        ReleaseKeys(nullptr, 0);
     }
+    window.active = false;
+    DropMessages(&window, WM_ACTIVATE);
+    if (window.told)
+        CallProcedure(&window, WM_ACTIVATE, WA_INACTIVE, 0);
     CallProcedure(&window, WM_DESTROY, 0, 0);
 }
 

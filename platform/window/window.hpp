@@ -29,7 +29,8 @@ struct HWND__ {
     RECT placement = {};
     bool fullScreen = false;
     bool focused = false; // as SDL says
-    bool active = false;  // as the last WM_ACTIVATE said
+    bool active = false;  // as the last WM_ACTIVATE says, which may still wait in the queue
+    bool told = false;    // as the last WM_ACTIVATE said that has reached the procedure
     bool dying = false;
 };
 
@@ -51,12 +52,14 @@ HWND__* LiveWindow(HWND window);
 HWND__* WindowOfSdl(Uint32 id);
 HWND__* NewestWindow();
 HWND__* ActiveWindow();
+/// The newest that is shown and stays, or null.
+HWND__* NewestShownWindow();
 /// All that live, the oldest first. A copy: procedures make and destroy windows.
 std::vector<HWND> LiveWindows();
 
 /// Takes over the SDL window of the record.
 HWND AddWindow(const HWND__& window);
-/// Delivers WM_ACTIVATE 0 if it was active, and WM_DESTROY; then the handle is void. Passed over
+/// Delivers WM_ACTIVATE 0 if it was told 1, and WM_DESTROY; then the handle is void. Passed over
 /// when it is being destroyed already.
 void DestroyLiveWindow(HWND__& window);
 /// Without a word to the procedures: the process ends.

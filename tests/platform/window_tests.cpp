@@ -2,6 +2,8 @@
 #include "tests/platform/window_fixture.hpp"
 
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace Tests {
 
@@ -85,23 +87,78 @@ TEST_F(WindowTest, IsActiveOnceWhenItIsShown) {
     EXPECT_EQ(Of(WM_ACTIVATE)[2].wParam, 1u);
 }
 
+// In the order in which the procedures were told: the window, and what of.
+static std::vector<std::pair<HWND, WPARAM>> Told(const std::vector<Got>& activations) {
+    std::vector<std::pair<HWND, WPARAM>> told;
+    for (const Got& got : activations)
+        told.emplace_back(got.window, got.wParam);
+    return told;
+}
+
 TEST_F(WindowTest, OneOfSeveralWindowsIsActive) {
     const HWND first = Show();
     const HWND second = Open();
+    using testing::Pair;
     ShowWindow(second, SW_SHOW);
+    EXPECT_THAT(Told(Of(WM_ACTIVATE)), ElementsAre(Pair(first, 0u), Pair(second, 1u)))
+        << "at once, as nobody else can";
     VornPlatform::SendKey('A', true); // goes to the newest
     Pump();
-    ASSERT_EQ(Of(WM_ACTIVATE).size(), 2u);
-    EXPECT_EQ(log[0].window, first);
-    EXPECT_EQ(log[0].wParam, 0u);
-    EXPECT_EQ(log[1].window, second);
-    EXPECT_EQ(log[1].wParam, 1u);
     EXPECT_EQ(Of(WM_KEYDOWN).at(0).window, second);
+    log.clear();
     ShowWindow(second, SW_HIDE);
-    Pump();
-    EXPECT_EQ(log.back().message, WM_ACTIVATE);
-    EXPECT_EQ(log.back().wParam, 0u);
+    EXPECT_THAT(Told(Of(WM_ACTIVATE)), ElementsAre(Pair(second, 0u), Pair(first, 1u)));
     EXPECT_FALSE(Down('A'));
+    ShowWindow(second, SW_SHOW);
+    log.clear();
+    DestroyWindow(second);
+    EXPECT_THAT(Told(Of(WM_ACTIVATE)), ElementsAre(Pair(second, 0u), Pair(first, 1u)));
+    Pump();
+    EXPECT_EQ(Of(WM_ACTIVATE).size(), 2u) << "nothing is told twice";
+}
+
+TEST_F(WindowTest, WhatWaitsInTheQueueIsNotToldAfterWhatCameLater) {
+    const HWND window = Show();
+    const auto lastTold = [] {
+        return Of(WM_ACTIVATE).empty() ? 1u : Of(WM_ACTIVATE).back().wParam;
+    };
+
+    ShowWindow(window, SW_HIDE);
+    ShowWindow(window, SW_SHOW);
+    Pump();
+    EXPECT_EQ(lastTold(), 1u) << "hidden and shown";
+
+    for (const bool destroyed : {false, true}) {
+        VornPlatform::SendKey('A', true);
+        Pump();
+        log.clear();
+        onMessage = [destroyed](HWND own, UINT message) {
+            if (message == WM_KEYUP && destroyed)
+                DestroyWindow(own);
+            else if (message == WM_KEYUP)
+                ShowWindow(own, SW_SHOW);
+        };
+        VornPlatform::SendFocus(false);
+        Pump();
+        onMessage = nullptr;
+        EXPECT_EQ(lastTold(), destroyed ? 0u : 1u);
+    }
+    EXPECT_THAT(Messages(), ElementsAre(WM_KEYUP, WM_ACTIVATE, WM_DESTROY));
+}
+
+TEST_F(WindowTest, DestroyedWhileItLosesTheFocusItIsTold) {
+    const HWND first = Show();
+    const HWND second = Open();
+    onMessage = [second](HWND own, UINT message) {
+        if (message == WM_USER) {
+            ShowWindow(second, SW_SHOW);
+            DestroyWindow(own);
+        }
+    };
+    SendMessageA(first, WM_USER, 0, 0);
+    EXPECT_THAT(Messages(), ElementsAre(WM_USER, WM_ACTIVATE, WM_ACTIVATE, WM_DESTROY));
+    EXPECT_THAT(Told(Of(WM_ACTIVATE)),
+                ElementsAre(testing::Pair(first, 0u), testing::Pair(second, 1u)));
 }
 
 TEST_F(WindowTest, CloseDestroysAndTellsTheProcedureFirst) {
