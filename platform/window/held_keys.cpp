@@ -88,6 +88,28 @@ void Press(HWND window, const Button& button, bool down, bool doubled, LPARAM lP
     PostInput(window, message, PackWords(HeldForMouse(), button.extra), lParam);
 }
 
+bool IsButton(int virtualKey) {
+    return std::any_of(std::begin(Buttons), std::end(Buttons), [virtualKey](const Button& button) {
+        return button.virtualKey == virtualKey;
+    });
+}
+
+bool IsLock(int virtualKey) {
+    return virtualKey == VK_CAPITAL || virtualKey == VK_NUMLOCK || virtualKey == VK_SCROLL;
+}
+
+// A code without a place on the keyboard comes up without a message.
+void Clear(HWND window, int virtualKey) {
+    const bool wasHeld = IsHeld(virtualKey);
+    if (IsLock(virtualKey))
+        UpdateKey(virtualKey, false);
+    else
+        SetKey(virtualKey, 0); // only a recording toggles other keys
+    const auto place = KeysymOf(virtualKey);
+    if (wasHeld && window && place && WithoutSide(virtualKey) == virtualKey)
+        PostKey(window, place->scancode, virtualKey, false, true);
+}
+
 } // namespace
 
 void OnKey(HWND window, const SDL_Keysym& key, bool down) {
@@ -134,14 +156,13 @@ void ReleaseKeys(HWND window, LPARAM pointer) {
             Release(window, static_cast<SDL_Scancode>(i));
     // Keys that no keyboard holds are those of a recording.
     for (int key = 0; key < static_cast<int>(Input().keys.size()); ++key)
-        if (const auto place = KeysymOf(key); place && IsHeld(key)) {
-            UpdateKey(key, false);
-            if (window && WithoutSide(key) == key)
-                PostKey(window, place->scancode, key, false, true);
-        }
-    for (const Button& button : Buttons)
+        if (!IsButton(key))
+            Clear(window, key);
+    for (const Button& button : Buttons) {
         if (IsHeld(button.virtualKey))
             Press(window, button, false, false, pointer);
+        SetKey(button.virtualKey, 0);
+    }
 }
 
 WORD HeldForMouse() {

@@ -272,6 +272,23 @@ TEST_F(RecordingTest, StoppingLetsGoOfWhatItHeld) {
     StopInput();
 }
 
+TEST_F(RecordingTest, NothingOfItsKeysStays) {
+    Show();
+    // Codes without a place on the keyboard, ordinary ones that are toggled, and a button.
+    PlayInput(folder.File("codes.input", "vorn-input 1\nkey 223 1 0\nkey 7 1 1\nkey 66 0 1\n"
+                                         "key 67 1 1\nkey 1 1 1\nkey 255 0 1\nframe\nframe\n"));
+    EXPECT_TRUE(Down(223));
+    log.clear();
+    StopInput();
+    for (int key = 0; key < 256; ++key)
+        if (key != VK_CAPITAL && key != VK_NUMLOCK && key != VK_SCROLL) {
+            EXPECT_EQ(GetKeyState(key), 0) << key;
+        }
+    Pump();
+    ASSERT_THAT(Messages(), testing::ElementsAre(WM_KEYUP, WM_LBUTTONUP));
+    EXPECT_EQ(log[0].wParam, WPARAM('C'));
+}
+
 TEST_F(RecordingTest, TheStateAtTheStartTakesEffectAtOnce) {
     Show();
     VornPlatform::SendKey('B', true);
