@@ -92,6 +92,12 @@ void DropCursors() {
     for (const auto& cursor : Cursors()) {
         if (cursor->cursor)
             SDL_FreeCursor(cursor->cursor);
+    }
+    ForgetCursors();
+}
+
+void ForgetCursors() {
+    for (const auto& cursor : Cursors()) {
         cursor->cursor = nullptr;
         cursor->made = false;
     }

@@ -21,5 +21,7 @@ void ShowPointer(bool shown);
 void RefreshPointer();
 /// Video ends: what SDL holds of the pictures goes.
 void DropCursors();
+/// SDL is gone, and what it held of the pictures with it.
+void ForgetCursors();
 
 } // namespace VornPlatform

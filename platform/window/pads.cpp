@@ -123,6 +123,8 @@ void UpdatePads() {
 }
 
 int SlotOf(int instance) {
+    if (!PadsRun())
+        return -1;
     for (std::size_t i = 0; i < slots.size(); ++i)
         if (slots[i].pad &&
             SDL_JoystickInstanceID(SDL_GameControllerGetJoystick(slots[i].pad)) == instance)
@@ -133,7 +135,7 @@ int SlotOf(int instance) {
 void Rumble(DWORD index, WORD left, WORD right) {
     Slot& slot = slots[index];
     const bool still = !left && !right;
-    if (!slot.pad || (still && !slot.left && !slot.right))
+    if (!PadsRun() || !slot.pad || (still && !slot.left && !slot.right))
         return;
     slot.left = left;
     slot.right = right;
@@ -141,7 +143,15 @@ void Rumble(DWORD index, WORD left, WORD right) {
     SDL_GameControllerRumble(slot.pad, left, right, still ? 0 : RumbleLength);
 }
 
+void ForgetPads() {
+    for (DWORD i = 0; i < slots.size(); ++i) {
+        slots[i] = {};
+        Answer(i, false, {});
+    }
+}
+
 void ClosePads() {
+    PadsRun(); // else the slots are empty
     for (DWORD i = 0; i < slots.size(); ++i) {
         if (slots[i].pad)
             SDL_GameControllerClose(slots[i].pad);

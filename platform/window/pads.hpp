@@ -17,5 +17,7 @@ int SlotOf(int instance);
 /// Zeros on a pad that stands still cost nothing.
 void Rumble(DWORD index, WORD left, WORD right);
 void ClosePads();
+/// SDL is gone, and its pads with it.
+void ForgetPads();
 
 } // namespace VornPlatform

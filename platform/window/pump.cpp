@@ -201,6 +201,8 @@ bool FetchLive() {
 } // namespace
 
 bool FetchInput() {
+    if (DestroyLostWindows())
+        return true; // what the procedures have made of it may wait in the queue
     if (Source() && Source()->IsOver()) {
         Source()->End();
         return true; // what it held down has come up

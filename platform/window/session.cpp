@@ -26,9 +26,10 @@ bool DriverIs(const char* name) {
 }
 
 void StopVideo() {
-    if (!videoRuns)
+    const bool runs = VideoRuns();
+    DestroyWindows(); // those that were lost, too
+    if (!runs)
         return;
-    DestroyWindows();
     DropCursors();
     SDL_QuitSubSystem(SDL_INIT_VIDEO);
     videoRuns = false;
@@ -38,7 +39,7 @@ void ShutDown() {
     isOver = true;
     StopVideo();
     ClosePads();
-    if (padsRun)
+    if (PadsRun())
         SDL_QuitSubSystem(SDL_INIT_GAMECONTROLLER);
     padsRun = false;
     if (SDL_WasInit(0) == 0) // else SDL is in use by the host too
@@ -79,9 +80,9 @@ bool InitVideo() {
 bool StartVideo() {
     if (isOver)
         return false;
-    if (videoRuns && headlessForced && !IsHeadless() && !NewestWindow())
+    if (VideoRuns() && headlessForced && !IsHeadless() && !NewestWindow())
         StopVideo();
-    if (videoRuns)
+    if (VideoRuns())
         return true;
     SetHints();
     if (!InitVideo())
@@ -98,7 +99,7 @@ bool StartVideo() {
 bool StartPads() {
     if (isOver || padsFailed)
         return false; // a game asks many times a frame
-    if (padsRun)
+    if (PadsRun())
         return true;
     SetHints();
     padsFailed = SDL_InitSubSystem(SDL_INIT_GAMECONTROLLER) != 0;
@@ -109,10 +110,19 @@ bool StartPads() {
 }
 
 bool VideoRuns() {
+    if (videoRuns && SDL_WasInit(SDL_INIT_VIDEO) == 0) {
+        videoRuns = false;
+        ForgetCursors();
+        LoseWindows();
+    }
     return videoRuns;
 }
 
 bool PadsRun() {
+    if (padsRun && SDL_WasInit(SDL_INIT_GAMECONTROLLER) == 0) {
+        padsRun = false;
+        ForgetPads();
+    }
     return padsRun;
 }
 
@@ -129,7 +139,7 @@ void ForceHeadless() {
 }
 
 bool HasDisplay() {
-    return videoRuns && NewestWindow() && !IsHeadless();
+    return VideoRuns() && NewestWindow() && !IsHeadless();
 }
 
 } // namespace VornPlatform

@@ -17,6 +17,8 @@ bool StartVideo();
 /// Game pads; true if they are there.
 bool StartPads();
 
+/// Both notice when the host has ended SDL by itself, and forget all that was SDL's. Whatever
+/// follows a pointer to something of SDL's asks first.
 bool VideoRuns();
 bool PadsRun();
 /// Video runs, and nobody can see the windows.

@@ -3,6 +3,7 @@
 #include "platform/window/held_keys.hpp"
 #include "platform/window/input_state.hpp"
 #include "platform/window/message_queue.hpp"
+#include "platform/window/session.hpp"
 
 #include <algorithm>
 #include <cstdint>
@@ -25,11 +26,16 @@ std::vector<WindowClass>& Classes() {
     return classes;
 }
 
+bool Lives(const HWND__& record) {
+    return record.window || record.lost;
+}
+
 template <typename Predicate>
 HWND__* Find(Predicate predicate) {
+    VideoRuns(); // else nobody may follow the pointers to SDL's windows
     const auto& records = Records();
     const auto found = std::find_if(records.rbegin(), records.rend(), [&](const auto& record) {
-        return record->window && predicate(*record);
+        return Lives(*record) && predicate(*record);
     });
     return found == records.rend() ? nullptr : found->get();
 }
@@ -69,7 +75,9 @@ HWND__* LiveWindow(HWND window) {
 }
 
 HWND__* WindowOfSdl(Uint32 id) {
-    return Find([id](const HWND__& record) { return SDL_GetWindowID(record.window) == id; });
+    return Find([id](const HWND__& record) {
+        return record.window && SDL_GetWindowID(record.window) == id;
+    });
 }
 
 HWND__* NewestWindow() {
@@ -87,9 +95,10 @@ HWND__* NewestShownWindow() {
 }
 
 std::vector<HWND> LiveWindows() {
+    VideoRuns();
     std::vector<HWND> windows;
     for (const auto& record : Records())
-        if (record->window)
+        if (Lives(*record))
             windows.push_back(record.get());
     return windows;
 }
@@ -108,8 +117,10 @@ void DestroyLiveWindow(HWND__& window) {
         HWND__& window;
         ~End() {
             DropMessages(&window);
-            SDL_DestroyWindow(window.window);
+            if (VideoRuns() && window.window)
+                SDL_DestroyWindow(window.window);
             window.window = nullptr;
+            window.lost = false;
         }
     } const end{window};
     if (window.active) {
@@ -126,11 +137,31 @@ void DestroyLiveWindow(HWND__& window) {
 void DestroyWindows() {
     ReleaseKeys(nullptr, 0);
     for (const auto& record : Records())
-        if (record->window) {
+        if (Lives(*record)) {
             DropMessages(record.get());
-            SDL_DestroyWindow(record->window);
+            if (record->window)
+                SDL_DestroyWindow(record->window);
             record->window = nullptr;
+            record->lost = false;
         }
+}
+
+void LoseWindows() {
+    for (const auto& record : Records())
+        if (record->window) {
+            record->window = nullptr;
+            record->lost = true;
+        }
+}
+
+bool DestroyLostWindows() {
+    bool any = false;
+    for (HWND window : LiveWindows())
+        if (window->lost && !window->dying) {
+            any = true;
+            DestroyLiveWindow(*window);
+        }
+    return any;
 }
 
 void EnterFullScreen(HWND__& window) {

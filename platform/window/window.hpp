@@ -18,6 +18,7 @@
 
 struct HWND__ {
     SDL_Window* window = nullptr; // null once it is destroyed
+    bool lost = false;            // to the host, which has ended SDL; WM_DESTROY is still to come
     WNDPROC procedure = nullptr;
     UINT classStyle = 0;
     HCURSOR cursor = nullptr; // of the class
@@ -64,6 +65,10 @@ HWND AddWindow(const HWND__& window);
 void DestroyLiveWindow(HWND__& window);
 /// Without a word to the procedures: the process ends.
 void DestroyWindows();
+/// SDL is gone, and its windows with it. The handles are good until the procedures are told.
+void LoseWindows();
+/// Tells the procedures of lost windows WM_DESTROY, which ends them; true if there were any.
+bool DestroyLostWindows();
 
 void EnterFullScreen(HWND__& window);
 /// Back to the placement that the window had before.

@@ -127,6 +127,46 @@ TEST_F(LifetimeTest, HeadlessIsForcedAgainstTheEnvironment) {
         testing::ExitedWithCode(0), "");
 }
 
+TEST_F(LifetimeTest, AHostThatEndsSdlItselfIsToldThatItsWindowIsGone) {
+    EXPECT_EXIT(
+        {
+            static HWND window;
+            window = Show();
+            const HCURSOR cursor = SetCursor(nullptr);
+            XINPUT_STATE state = {};
+            XINPUT_VIBRATION motors = {};
+            motors.wLeftMotorSpeed = 1;
+            const VornPlatform::VirtualPad pad;
+            bool good = XInputGetState(0, &state) == ERROR_SUCCESS;
+            XInputSetState(0, &motors);
+            VornPlatform::SendKey('A', true);
+            Pump();
+
+            SDL_Quit();
+            good = good && !VornPlatform::HasDisplay() && UpdateWindow(window);
+            SetCursor(cursor);
+            XInputSetState(0, &motors);
+            ShowWindow(window, SW_HIDE);
+            SetWindowPos(window, nullptr, 0, 0, 10, 10, 0);
+            VornPlatform::SendKey('B', true);
+            log.clear();
+            onMessage = [](HWND, UINT message) {
+                if (message == WM_DESTROY)
+                    PostQuitMessage(0);
+            };
+            MSG message = {};
+            good = good && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);
+            good = good && message.message == WM_QUIT && log.back().message == WM_DESTROY;
+            good = good && !UpdateWindow(window) && !Down('A') && pad.Index() == -1;
+            good = good && XInputGetState(0, &state) == ERROR_DEVICE_NOT_CONNECTED;
+
+            const HWND next = Make(); // and all can begin anew
+            ShowWindow(next, SW_SHOW);
+            Leave(good && next && SDL_WasInit(SDL_INIT_VIDEO) && Pump() == 0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(LifetimeTest, SdlInUseByTheHostStays) {
     EXPECT_EXIT(
         {
