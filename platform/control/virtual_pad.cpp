@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/control/vorn_platform.hpp"
+#include "platform/window/pad_buttons.hpp"
 #include "platform/window/pads.hpp"
 #include "platform/window/session.hpp"
 
@@ -20,26 +21,6 @@ struct VirtualPad::State {
 };
 
 namespace {
-
-constexpr struct {
-    unsigned int bit;
-    SDL_GameControllerButton button;
-} ButtonTable[] = {
-    {XINPUT_GAMEPAD_DPAD_UP, SDL_CONTROLLER_BUTTON_DPAD_UP},
-    {XINPUT_GAMEPAD_DPAD_DOWN, SDL_CONTROLLER_BUTTON_DPAD_DOWN},
-    {XINPUT_GAMEPAD_DPAD_LEFT, SDL_CONTROLLER_BUTTON_DPAD_LEFT},
-    {XINPUT_GAMEPAD_DPAD_RIGHT, SDL_CONTROLLER_BUTTON_DPAD_RIGHT},
-    {XINPUT_GAMEPAD_START, SDL_CONTROLLER_BUTTON_START},
-    {XINPUT_GAMEPAD_BACK, SDL_CONTROLLER_BUTTON_BACK},
-    {XINPUT_GAMEPAD_LEFT_THUMB, SDL_CONTROLLER_BUTTON_LEFTSTICK},
-    {XINPUT_GAMEPAD_RIGHT_THUMB, SDL_CONTROLLER_BUTTON_RIGHTSTICK},
-    {XINPUT_GAMEPAD_LEFT_SHOULDER, SDL_CONTROLLER_BUTTON_LEFTSHOULDER},
-    {XINPUT_GAMEPAD_RIGHT_SHOULDER, SDL_CONTROLLER_BUTTON_RIGHTSHOULDER},
-    {XINPUT_GAMEPAD_A, SDL_CONTROLLER_BUTTON_A},
-    {XINPUT_GAMEPAD_B, SDL_CONTROLLER_BUTTON_B},
-    {XINPUT_GAMEPAD_X, SDL_CONTROLLER_BUTTON_X},
-    {XINPUT_GAMEPAD_Y, SDL_CONTROLLER_BUTTON_Y},
-};
 
 // A trigger rests at the lower end of its axis.
 Sint16 TriggerAxis(int value) {
@@ -114,7 +95,7 @@ int VirtualPad::Index() const {
 void VirtualPad::Buttons(unsigned int buttons, bool down) {
     if (!PadsRun())
         return;
-    for (const auto& [bit, button] : ButtonTable)
+    for (const auto& [button, bit] : PadButtons)
         if (buttons & bit)
             SDL_JoystickSetVirtualButton(mState->joystick, button, down ? 1 : 0);
 }

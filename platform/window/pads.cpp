@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/pads.hpp"
+
 #include "platform/window/input_state.hpp"
+#include "platform/window/pad_buttons.hpp"
 #include "platform/window/session.hpp"
 
 #include <SDL.h>
@@ -23,26 +25,6 @@ constinit std::array<Slot, 4> slots{};
 // SDL stops a motor after at most 65 seconds; XInput never does.
 constexpr Uint32 RumbleLength = 60'000, RumbleRenewal = 30'000;
 
-constexpr struct {
-    SDL_GameControllerButton button;
-    WORD bit;
-} Buttons[] = {
-    {SDL_CONTROLLER_BUTTON_DPAD_UP, XINPUT_GAMEPAD_DPAD_UP},
-    {SDL_CONTROLLER_BUTTON_DPAD_DOWN, XINPUT_GAMEPAD_DPAD_DOWN},
-    {SDL_CONTROLLER_BUTTON_DPAD_LEFT, XINPUT_GAMEPAD_DPAD_LEFT},
-    {SDL_CONTROLLER_BUTTON_DPAD_RIGHT, XINPUT_GAMEPAD_DPAD_RIGHT},
-    {SDL_CONTROLLER_BUTTON_START, XINPUT_GAMEPAD_START},
-    {SDL_CONTROLLER_BUTTON_BACK, XINPUT_GAMEPAD_BACK},
-    {SDL_CONTROLLER_BUTTON_LEFTSTICK, XINPUT_GAMEPAD_LEFT_THUMB},
-    {SDL_CONTROLLER_BUTTON_RIGHTSTICK, XINPUT_GAMEPAD_RIGHT_THUMB},
-    {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, XINPUT_GAMEPAD_LEFT_SHOULDER},
-    {SDL_CONTROLLER_BUTTON_RIGHTSHOULDER, XINPUT_GAMEPAD_RIGHT_SHOULDER},
-    {SDL_CONTROLLER_BUTTON_A, XINPUT_GAMEPAD_A},
-    {SDL_CONTROLLER_BUTTON_B, XINPUT_GAMEPAD_B},
-    {SDL_CONTROLLER_BUTTON_X, XINPUT_GAMEPAD_X},
-    {SDL_CONTROLLER_BUTTON_Y, XINPUT_GAMEPAD_Y},
-};
-
 XINPUT_GAMEPAD Read(SDL_GameController* pad) {
     const auto axis = [pad](SDL_GameControllerAxis which) {
         return SDL_GameControllerGetAxis(pad, which);
@@ -55,7 +37,7 @@ XINPUT_GAMEPAD Read(SDL_GameController* pad) {
         return static_cast<BYTE>((std::max<int>(axis(which), 0) * 255 + 16383) / 32767);
     };
     int buttons = 0;
-    for (const auto& [button, bit] : Buttons)
+    for (const auto& [button, bit] : PadButtons)
         if (SDL_GameControllerGetButton(pad, button))
             buttons |= bit;
     return {static_cast<WORD>(buttons),
