@@ -8,8 +8,11 @@
 //   VornPlatform::ReleaseClock();
 #pragma once
 
+#include <d3d9.h>
+
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #pragma GCC visibility push(default)
 
@@ -93,6 +96,76 @@ bool IsPlayingInput();
 /// std::runtime_error where a recording could not be written whole. Passed over if there is
 /// neither.
 void StopInput();
+
+// The device of Direct3D.
+
+/// Devices that are made from now on draw nothing and need no OpenGL: textures and buffers keep
+/// what is written to them, Clear fills its target, all else leaves pixels alone.
+void UseRecorder(bool);
+
+/// Every call that reaches an object of Direct3D or D3DX, in order, one text each, for as long as
+/// the object lives: "SetRenderState(27, 1)". Numbers stand as decimals, colours too, floats as %g,
+/// a matrix, a point or a record as its numbers in brackets; an object is its ObjectName, and out
+/// pointers are left out. Calls that our objects make of each other are not told.
+class CallLog {
+public:
+    CallLog();
+    CallLog(const CallLog&) = delete;
+    CallLog& operator=(const CallLog&) = delete;
+    ~CallLog();
+
+    const std::vector<std::string>& Calls() const { return mCalls; }
+    void Clear() { mCalls.clear(); }
+
+private:
+    std::vector<std::string> mCalls;
+};
+/// "null", or a kind and a number that counts up with each object of that kind: "VertexBuffer 3".
+std::string ObjectName(const IUnknown* object);
+
+/// All devices answer D3DERR_DEVICELOST from now on.
+void LoseDevice();
+/// They answer D3DERR_DEVICENOTRESET, until they are reset.
+void RestoreDevice();
+/// The next `count` calls of Reset, of any device, fail with `result`.
+void FailResets(int count, HRESULT result);
+
+/// What lives, of all devices together; what a device has for itself is not counted.
+struct LiveObjects {
+    int devices = 0;
+    int textures = 0;
+    int surfaces = 0; // that are no level of a texture
+    int vertexBuffers = 0;
+    int indexBuffers = 0;
+    int declarations = 0;
+    int fonts = 0;
+    int lines = 0;
+    int renderToSurfaces = 0;
+
+    bool operator==(const LiveObjects&) const = default;
+};
+LiveObjects CountLiveObjects();
+/// What OpenGL holds for them and for the devices themselves.
+struct GpuObjects {
+    int textures = 0;
+    int buffers = 0;
+
+    bool operator==(const GpuObjects&) const = default;
+};
+GpuObjects CountGpuObjects();
+
+/// Since the last Present, of all devices together.
+struct FrameCounters {
+    int draws = 0; // that a host asked for and that drew something
+    int primitives = 0;
+    int drawCalls = 0;    // of OpenGL
+    int stateChanges = 0; // of OpenGL: programs, textures, targets, blending and the like
+};
+FrameCounters CountFrame();
+
+/// The pixels of a render target, a plain surface, or a level of an uncompressed texture:
+/// 0xAARRGGBB, rows from the top, without gaps; X is 0xff. Empty for what cannot be read.
+std::vector<std::uint32_t> ReadPixels(IDirect3DSurface9* surface);
 
 } // namespace VornPlatform
 

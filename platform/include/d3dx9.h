@@ -7,11 +7,13 @@
 //
 // Matrices multiply row vectors: v' = v M, the translation stands in the fourth row. Angles are
 // radians. An out pointer may be the same as an argument; each function returns its first argument.
-// Nothing reports an error: a vector without length has the direction (0, 0, 0), so a look-at
-// without one has axes of zeros, and a singular matrix gives infinities or NaNs.
+// The mathematics report no error: a vector without length has the direction (0, 0, 0), so a
+// look-at without one has axes of zeros, and a singular matrix gives infinities or NaNs. What makes
+// objects answers with an HRESULT; a file that is missing or broken gives a negative one, and null.
 //
 //   [X] mathematics
-//   [ ] textures, surfaces, fonts, lines, effects, shaders
+//   [X] textures from files, surfaces to files, render-to-surface, fonts, lines
+//   [ ] effects, shaders
 #ifndef VORN_PLATFORM_D3DX9_H
 #define VORN_PLATFORM_D3DX9_H
 #pragma GCC system_header
@@ -50,7 +52,61 @@ struct D3DXMATRIX : D3DMATRIX {
 };
 typedef D3DXMATRIX D3DXMATRIXA16;
 
+struct ID3DXSprite;
+struct PALETTEENTRY;
+enum D3DXIMAGE_FILEFORMAT : DWORD {
+    D3DXIFF_BMP = 0,
+    D3DXIFF_JPG = 1,
+    D3DXIFF_TGA = 2,
+    D3DXIFF_PNG = 3,
+    D3DXIFF_DDS = 4
+};
+enum : DWORD { D3DX_FILTER_NONE = 1 };
+struct ID3DXFont : IUnknown {
+    /// `text` is UTF-8, `count` its bytes, or -1 up to its NUL. Drawn in screen pixels of the
+    /// target, clipped to the rectangle unless DT_NOCLIP is given, and to the viewport. Inside or
+    /// outside a scene; touches no state of the device.
+    /// @return the height of the text (unit: pixels); 0 if nothing was drawn
+    virtual INT DrawTextA(ID3DXSprite*, LPCSTR text, INT count, LPRECT, DWORD format, D3DCOLOR) = 0;
+};
+struct ID3DXLine : IUnknown {
+    /// A strip through `count` points, in screen pixels of the target; fewer than 2 draw nothing.
+    virtual HRESULT Draw(const D3DXVECTOR2* points, DWORD count, D3DCOLOR) = 0;
+    /// (unit: pixels) At the start 1.
+    virtual HRESULT SetWidth(float) = 0;
+    virtual HRESULT SetAntialias(BOOL) = 0;
+    /// Lines as OpenGL draws them: steep and flat ones are equally many pixels wide, and ends are
+    /// cut along the axes.
+    virtual HRESULT SetGLLines(BOOL) = 0;
+};
+struct ID3DXRenderToSurface : IUnknown {
+    /// Sets the surface, the helper's own depth buffer and the viewport, and begins a scene; a null
+    /// viewport is the whole surface. Fails inside a scene, twice, or with a surface of another
+    /// size or format. A viewport that reaches beyond the surface is refused.
+    virtual HRESULT BeginScene(IDirect3DSurface9*, const D3DVIEWPORT9*) = 0;
+    /// Ends the scene and puts target, depth buffer and viewport back.
+    virtual HRESULT EndScene(DWORD mipFilter) = 0;
+};
+
 #pragma GCC visibility push(default)
+
+/// DDS (DXT1, DXT3, DXT5 as they are, and uncompressed), TGA, PNG, JPG, BMP: the content decides,
+/// not the name. A managed texture of the file's size, with all levels down to 1 by 1.
+HRESULT D3DXCreateTextureFromFileA(IDirect3DDevice9*, LPCSTR path, IDirect3DTexture9**);
+/// 0 levels means all down to 1 by 1.
+HRESULT D3DXCreateTexture(IDirect3DDevice9*, UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT,
+                          D3DPOOL, IDirect3DTexture9**);
+HRESULT D3DXCreateRenderToSurface(IDirect3DDevice9*, UINT w, UINT h, D3DFORMAT, BOOL depth,
+                                  D3DFORMAT depthFormat, ID3DXRenderToSurface**);
+/// A positive height is that of the line, a negative one that of the letters (unit: pixels). A face
+/// that the machine lacks is replaced by the nearest that it has.
+HRESULT D3DXCreateFontA(IDirect3DDevice9*, INT height, UINT width, UINT weight, UINT mipLevels,
+                        BOOL italic, DWORD charSet, DWORD outputPrecision, DWORD quality,
+                        DWORD pitchAndFamily, LPCSTR face, ID3DXFont**);
+HRESULT D3DXCreateLine(IDirect3DDevice9*, ID3DXLine**);
+/// BMP, JPG, TGA, PNG and DDS; `rect` null means all.
+HRESULT D3DXSaveSurfaceToFileA(LPCSTR path, D3DXIMAGE_FILEFORMAT, IDirect3DSurface9*,
+                               const PALETTEENTRY*, const RECT* rect);
 
 D3DXMATRIX* D3DXMatrixIdentity(D3DXMATRIX*);
 D3DXMATRIX* D3DXMatrixTranspose(D3DXMATRIX*, const D3DXMATRIX*);

@@ -126,6 +126,7 @@ struct WIN32_FIND_DATAA {
 #define FILE_ATTRIBUTE_NORMAL 0x80
 #define S_OK 0
 #define E_NOTIMPL ((HRESULT)0x80004001)
+#define E_OUTOFMEMORY ((HRESULT)0x8007000E)
 #define E_FAIL ((HRESULT)0x80004005)
 #define SUCCEEDED(hr) ((HRESULT)(hr) >= 0)
 #define FAILED(hr) ((HRESULT)(hr) < 0)
@@ -372,6 +373,26 @@ enum : int {
     VK_PA1 = 253,
     VK_OEM_CLEAR = 254
 };
+// Text, as the fonts of D3DX take it.
+enum : UINT {
+    DT_TOP = 0,
+    DT_LEFT = 0,
+    DT_CENTER = 1,
+    DT_RIGHT = 2,
+    DT_VCENTER = 4,
+    DT_BOTTOM = 8,
+    DT_WORDBREAK = 0x10,
+    DT_SINGLELINE = 0x20,
+    DT_NOCLIP = 0x100,
+    DT_CALCRECT = 0x400,
+    FW_NORMAL = 400,
+    FW_BOLD = 700,
+    DEFAULT_CHARSET = 1,
+    OUT_DEFAULT_PRECIS = 0,
+    ANTIALIASED_QUALITY = 4,
+    DEFAULT_PITCH = 0
+};
+
 #define HWND_NOTOPMOST ((HWND)(intptr_t)-2)
 
 #pragma GCC visibility push(default)
