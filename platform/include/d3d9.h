@@ -15,6 +15,11 @@
 // when it fails. What stands in an interface behind the line "beyond" is there for hosts, and has
 // a body that refuses, so that another implementation of the interface may leave it out.
 //
+// States and transforms of Direct3D that stand in no enumeration here are taken, have no effect,
+// and cannot be asked for. What cannot be followed is refused with D3DERR_INVALIDCALL and changes
+// nothing: unknown values, other streams than 0, other FVFs than position with any of normal,
+// diffuse and one texture.
+//
 //   [X] vectors, matrices, viewport: the records that mathematics works on
 //   [X] interfaces, states, formats
 //   [ ] shaders, cube and volume textures, queries, stencil, fog, several streams or targets
@@ -180,6 +185,7 @@ enum D3DBACKBUFFER_TYPE : DWORD { D3DBACKBUFFER_TYPE_MONO = 0 };
 
 #define D3D_OK 0
 #define D3DERR_DRIVERINTERNALERROR ((HRESULT)0x88760827)
+#define D3DERR_NOTFOUND ((HRESULT)0x88760866)
 #define D3DERR_DEVICELOST ((HRESULT)0x88760868)
 #define D3DERR_DEVICENOTRESET ((HRESULT)0x88760869)
 #define D3DERR_NOTAVAILABLE ((HRESULT)0x8876086A)
@@ -271,6 +277,7 @@ struct IUnknown {
 protected:
     virtual ~IUnknown() = default;
 };
+struct IDirect3DDevice9;
 struct IDirect3DResource9 : IUnknown {};
 struct IDirect3DBaseTexture9 : IDirect3DResource9 {
     // beyond
@@ -281,6 +288,9 @@ struct IDirect3DSurface9 : IDirect3DResource9 {
     /// Rows top first, `Pitch` bytes apart; of a compressed format, rows of blocks.
     virtual HRESULT LockRect(D3DLOCKED_RECT*, const RECT*, DWORD flags) = 0;
     virtual HRESULT UnlockRect() = 0;
+    // beyond
+    /// Adds a reference.
+    virtual HRESULT GetDevice(IDirect3DDevice9**) { return E_NOTIMPL; }
 };
 struct IDirect3DTexture9 : IDirect3DBaseTexture9 {
     virtual HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC*) = 0;

@@ -52,7 +52,13 @@ struct D3DXMATRIX : D3DMATRIX {
 };
 typedef D3DXMATRIX D3DXMATRIXA16;
 
+/// A file that is none of its kind, or not there.
+#define D3DXERR_INVALIDDATA ((HRESULT)0x88760B59)
+
 struct ID3DXSprite;
+struct ID3DXBuffer;
+struct ID3DXConstantTable;
+struct ID3DXEffect;
 struct PALETTEENTRY;
 enum D3DXIMAGE_FILEFORMAT : DWORD {
     D3DXIFF_BMP = 0,
@@ -63,16 +69,21 @@ enum D3DXIMAGE_FILEFORMAT : DWORD {
 };
 enum : DWORD { D3DX_FILTER_NONE = 1 };
 struct ID3DXFont : IUnknown {
-    /// `text` is UTF-8, `count` its bytes, or -1 up to its NUL. Drawn in screen pixels of the
-    /// target, clipped to the rectangle unless DT_NOCLIP is given, and to the viewport. Inside or
-    /// outside a scene; touches no state of the device.
+    /// `text` is UTF-8, `count` its bytes, or -1 up to its NUL; a NUL ends it in any case. Drawn in
+    /// screen pixels of the target, clipped to the rectangle unless DT_NOCLIP is given, and to the
+    /// viewport; without a rectangle at the upper left. Inside or outside a scene; touches no state
+    /// of the device. Of the flags count DT_CENTER, DT_RIGHT, DT_WORDBREAK, DT_SINGLELINE, with it
+    /// DT_VCENTER and DT_BOTTOM, and DT_CALCRECT, which draws nothing and moves the rectangle's
+    /// right and lower edges around the text. A tab goes on to the next eighth blank.
     /// @return the height of the text (unit: pixels); 0 if nothing was drawn
     virtual INT DrawTextA(ID3DXSprite*, LPCSTR text, INT count, LPRECT, DWORD format, D3DCOLOR) = 0;
 };
 struct ID3DXLine : IUnknown {
     /// A strip through `count` points, in screen pixels of the target; fewer than 2 draw nothing.
+    /// Each line is a rectangle of its own, so that they overlap inside of a bend and leave a notch
+    /// outside. One of width 1 from (10, 10) to (20, 10) covers the ten pixels from 10 to 19.
     virtual HRESULT Draw(const D3DXVECTOR2* points, DWORD count, D3DCOLOR) = 0;
-    /// (unit: pixels) At the start 1.
+    /// (unit: pixels) At the start 1; refused if not above 0.
     virtual HRESULT SetWidth(float) = 0;
     virtual HRESULT SetAntialias(BOOL) = 0;
     /// Lines as OpenGL draws them: steep and flat ones are equally many pixels wide, and ends are
@@ -91,20 +102,25 @@ struct ID3DXRenderToSurface : IUnknown {
 #pragma GCC visibility push(default)
 
 /// DDS (DXT1, DXT3, DXT5 as they are, and uncompressed), TGA, PNG, JPG, BMP: the content decides,
-/// not the name. A managed texture of the file's size, with all levels down to 1 by 1.
+/// not the name. A managed texture of the file's size, with all levels down to 1 by 1: those that
+/// the file lacks are means of the one before. Colours are A8R8G8B8, or X8R8G8B8 if the file has no
+/// alpha; greys L8 or A8L8. A file that is cut off is refused whole.
 HRESULT D3DXCreateTextureFromFileA(IDirect3DDevice9*, LPCSTR path, IDirect3DTexture9**);
-/// 0 levels means all down to 1 by 1.
+/// 0 levels, or more than there are, means all down to 1 by 1; a side of 0 counts as 1, the format
+/// 0 as A8R8G8B8.
 HRESULT D3DXCreateTexture(IDirect3DDevice9*, UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT,
                           D3DPOOL, IDirect3DTexture9**);
 HRESULT D3DXCreateRenderToSurface(IDirect3DDevice9*, UINT w, UINT h, D3DFORMAT, BOOL depth,
                                   D3DFORMAT depthFormat, ID3DXRenderToSurface**);
-/// A positive height is that of the line, a negative one that of the letters (unit: pixels). A face
-/// that the machine lacks is replaced by the nearest that it has.
+/// A positive height is that of the line, a negative one that of the letters (unit: pixels), at
+/// most 1024; 0 counts as 16. A face that the machine lacks is replaced by the nearest that it has;
+/// fails where there is none at all.
 HRESULT D3DXCreateFontA(IDirect3DDevice9*, INT height, UINT width, UINT weight, UINT mipLevels,
                         BOOL italic, DWORD charSet, DWORD outputPrecision, DWORD quality,
                         DWORD pitchAndFamily, LPCSTR face, ID3DXFont**);
 HRESULT D3DXCreateLine(IDirect3DDevice9*, ID3DXLine**);
-/// BMP, JPG, TGA, PNG and DDS; `rect` null means all.
+/// BMP, JPG, TGA, PNG and DDS; `rect` null means all. Surfaces without alpha, and all JPGs, become
+/// files of 24 bits. A file that cannot be written whole is not left behind.
 HRESULT D3DXSaveSurfaceToFileA(LPCSTR path, D3DXIMAGE_FILEFORMAT, IDirect3DSurface9*,
                                const PALETTEENTRY*, const RECT* rect);
 

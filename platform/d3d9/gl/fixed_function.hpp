@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+//
+// The fixed function as a program: what differs between programs is the key, what differs between
+// draws is uniform.
+#pragma once
+
+#include "platform/d3d9/state.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace VornPlatform {
+
+enum class Lighting : std::uint8_t { Off, Black, Lit };
+
+/// Keys that draw the same are the same: fields that have no say are 0.
+struct FixedFunctionKey {
+    bool hasColor = false, hasCoordinates = false;
+    bool textured = false, transformed = false;
+    Lighting lighting = Lighting::Off;
+    // D3DTOP and D3DTA. Without a texture an operation that needs it gives the vertex's value.
+    std::uint8_t colorOp = 0, colorArg1 = 0, colorArg2 = 0;
+    std::uint8_t alphaOp = 0, alphaArg1 = 0, alphaArg2 = 0;
+    std::uint8_t alphaTest = 0; // D3DCMP, 0 without
+
+    bool operator==(const FixedFunctionKey&) const = default;
+    std::uint64_t Packed() const;
+};
+
+struct FormatTraits {
+    bool hasNormal, hasColor, hasCoordinates;
+};
+FixedFunctionKey KeyOf(const State& state, const FormatTraits& format);
+
+/// Locations of the uniforms.
+namespace Uniform {
+enum : int {
+    WorldViewProjection = 0,
+    WorldView = 1,
+    TextureMatrix = 2,
+    AlphaReference = 3,
+    LightCount = 4,
+    Lights = 5,
+    // Behind the lights, each of which takes its places.
+    Place = 64
+};
+} // namespace Uniform
+
+/// The last line of every vertex shader: from Direct3D's clip space to where the pixels are, by
+/// OutputState::Place.
+inline constexpr const char* PlacePosition =
+    "    gl_Position.xy = gl_Position.xy * place.xy + gl_Position.w * place.zw;\n";
+
+std::string VertexSourceOf(const FixedFunctionKey& key);
+std::string PixelSourceOf(const FixedFunctionKey& key);
+
+} // namespace VornPlatform

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "platform/d3d9/gl/gl_backend.hpp"
+
+namespace VornPlatform {
+
+namespace {
+
+const GlTexture* Of(const GpuTexture* texture) {
+    return static_cast<const GlTexture*>(texture);
+}
+
+} // namespace
+
+std::unique_ptr<Backend> MakeGlBackend(HWND /*window*/) {
+    auto context = GlContext::Make();
+    return context ? std::make_unique<GlBackend>(std::move(context)) : nullptr;
+}
+
+GlBackend::GlBackend(std::unique_ptr<GlContext> context) : mContext(std::move(context)) {
+    mOutput.SetUp();
+}
+
+GlBackend::~GlBackend() {
+    const bool lives = MakeCurrent();
+    mStream.Free(lives);
+    if (!lives)
+        return;
+    mFramebuffers.Free();
+    mPrograms.Free();
+    mLayouts.Free();
+    mSamplers.Free();
+}
+
+std::unique_ptr<GpuTexture> GlBackend::CreateTexture(const TextureDesc& desc) {
+    return MakeCurrent() ? GlTexture::Make(*this, desc) : nullptr;
+}
+
+std::unique_ptr<GpuBuffer> GlBackend::CreateBuffer(BufferKind kind, UINT size) {
+    return MakeCurrent() ? GlBuffer::Make(*this, kind, size) : nullptr;
+}
+
+// OpenGL unbinds what is deleted, and may give the same name again.
+void GlBackend::Forget(const GlTexture& texture) {
+    if (mFramebuffers.Forget(texture))
+        mBoundFramebuffer.Forget();
+    mBoundTexture.Forget();
+    mPending |= Changed::Target | Changed::Textures;
+}
+
+void GlBackend::Forget(const GlBuffer& buffer) {
+    mLayouts.Forget(buffer.Name());
+    mPending |= Changed::Vertices | Changed::Indices;
+}
+
+void GlBackend::Clear(const Target& target, const RECT& rect, DWORD flags, D3DCOLOR color,
+                      float z) {
+    if (rect.right <= rect.left || rect.bottom <= rect.top || !MakeCurrent())
+        return;
+    const GLuint framebuffer = mFramebuffers.Of(Of(target.color), Of(target.depth));
+    mOutput.Scissor(rect);
+    mOutput.Scissor(true);
+    mOutput.WriteAll();
+    mPending |= Changed::Viewport | Changed::Depth | Changed::Blend;
+    if ((flags & D3DCLEAR_TARGET) && target.color) {
+        GLfloat channels[4];
+        Unpack(color, channels);
+        glClearNamedFramebufferfv(framebuffer, GL_COLOR, 0, channels);
+    }
+    if ((flags & D3DCLEAR_ZBUFFER) && target.depth)
+        glClearNamedFramebufferfv(framebuffer, GL_DEPTH, 0, &z);
+}
+
+void GlBackend::Present(GpuTexture& backBuffer, UINT width, UINT height, HWND handle,
+                        bool waitForDisplay) {
+    if (!MakeCurrent())
+        return;
+    SDL_Window* window = mContext->MakeCurrentFor(handle);
+    if (!window) {
+        glFlush();
+        return;
+    }
+    mContext->SwapInterval(window, waitForDisplay ? 1 : 0);
+    int shownWidth = 0, shownHeight = 0;
+    SDL_GL_GetDrawableSize(window, &shownWidth, &shownHeight);
+    // Row 0 is the top row of ours, and the bottom row of the window.
+    mOutput.Scissor(false);
+    mPending |= Changed::Viewport;
+    const auto w = static_cast<GLint>(width), h = static_cast<GLint>(height);
+    const bool same = w == shownWidth && h == shownHeight;
+    glBlitNamedFramebuffer(mFramebuffers.Of(Of(&backBuffer), nullptr), 0, 0, 0, w, h, 0,
+                           shownHeight, shownWidth, 0, GL_COLOR_BUFFER_BIT,
+                           same ? GL_NEAREST : GL_LINEAR);
+    SDL_GL_SwapWindow(window);
+}
+
+} // namespace VornPlatform

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+//
+// The backend that draws. It holds no rules of Direct3D but those of pixels: state goes in as the
+// device keeps it, and what differs from the draw before reaches OpenGL.
+//
+//   [X] fixed function, one texture stage, lights
+//   [ ] shaders, more than one stage, stencil, fog
+#pragma once
+
+#include "platform/d3d9/backend.hpp"
+#include "platform/d3d9/gl/context.hpp"
+#include "platform/d3d9/gl/framebuffers.hpp"
+#include "platform/d3d9/gl/gl_buffer.hpp"
+#include "platform/d3d9/gl/gl_texture.hpp"
+#include "platform/d3d9/gl/lights.hpp"
+#include "platform/d3d9/gl/output_state.hpp"
+#include "platform/d3d9/gl/programs.hpp"
+#include "platform/d3d9/gl/samplers.hpp"
+#include "platform/d3d9/gl/vertex_layouts.hpp"
+
+namespace VornPlatform {
+
+class GlBackend final : public Backend {
+public:
+    explicit GlBackend(std::unique_ptr<GlContext> context);
+    ~GlBackend() override;
+
+    std::unique_ptr<GpuTexture> CreateTexture(const TextureDesc& desc) override;
+    std::unique_ptr<GpuBuffer> CreateBuffer(BufferKind kind, UINT size) override;
+    void Clear(const Target& target, const RECT& rect, DWORD flags, D3DCOLOR color,
+               float z) override;
+    void Draw(const State& state, unsigned int changed, const Primitive& primitive) override;
+    void Present(GpuTexture& backBuffer, UINT width, UINT height, HWND window,
+                 bool waitForDisplay) override;
+
+    // For its textures and buffers.
+    bool MakeCurrent() { return mContext->MakeCurrent(); }
+    void Forget(const GlTexture& texture);
+    void Forget(const GlBuffer& buffer);
+
+private:
+    /// A matrix, and which one it is: programs compare the number.
+    struct Versioned {
+        D3DMATRIX value = IdentityMatrix;
+        unsigned int version = 1;
+        void Set(const D3DMATRIX& matrix);
+    };
+
+    void resolve(const State& state, unsigned int groups);
+    void resolveOutput(const State& state, unsigned int groups);
+    void resolveProgram(const State& state);
+    void resolveMatrices(const State& state, unsigned int groups);
+    void resolveTexture(const State& state);
+    unsigned int makeRoom();
+    void loadUniforms(const State& state, bool lines);
+    void loadLights(const State& state);
+    bool bindVertices(const State& state, const Primitive& primitive, UINT vertexCount);
+    void drawIndexed(const State& state, const Primitive& primitive, GLenum mode, UINT count);
+
+    std::unique_ptr<GlContext> mContext;
+    Framebuffers mFramebuffers;
+    Programs mPrograms;
+    VertexLayouts mLayouts;
+    Samplers mSamplers;
+    StreamBuffer mStream;
+
+    // Groups that the next draw looks at, whatever the device says.
+    unsigned int mPending = Changed::All;
+    VertexLayout* mLayout = nullptr;
+    Program* mProgram = nullptr;
+
+    Versioned mWorldViewProjection, mWorldView, mTextureMatrix;
+    unsigned int mPlaceVersion = 1;
+    D3DMATRIX mView = IdentityMatrix;
+    PackedLights mLights;
+    unsigned int mLightsVersion = 1;
+    bool mLightsKnown = false;
+
+    OutputState mOutput;
+    Shadow<GLuint> mBoundFramebuffer, mBoundProgram, mBoundLayout, mBoundTexture, mBoundSampler;
+};
+
+} // namespace VornPlatform

@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+//
+// GlBackend: from the state of the device to a draw of OpenGL.
+#include "platform/d3d9/gl/gl_backend.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+namespace VornPlatform {
+
+namespace {
+
+constexpr UINT LargestStride = 2048; // that every OpenGL takes
+
+const GlTexture* Of(const GpuTexture* texture) {
+    return static_cast<const GlTexture*>(texture);
+}
+const GlBuffer* Of(const GpuBuffer* buffer) {
+    return static_cast<const GlBuffer*>(buffer);
+}
+
+// Each sum in the order of the rows, as shaders compute v * M: a host that multiplies the same
+// matrices in a shader of its own gets the same pixels.
+D3DMATRIX Multiply(const D3DMATRIX& a, const D3DMATRIX& b) {
+    D3DMATRIX product;
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
+            product.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] +
+                              a.m[i][2] * b.m[2][j] + a.m[i][3] * b.m[3][j];
+    return product;
+}
+
+bool Same(const D3DMATRIX& a, const D3DMATRIX& b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+struct Shape {
+    GLenum mode;
+    UINT perPrimitive, extra; // vertices
+};
+
+Shape ShapeOf(D3DPRIMITIVETYPE type) {
+    constexpr int Fan = 6; // no header of ours names it
+    switch (static_cast<int>(type)) {
+    case D3DPT_POINTLIST:
+        return {GL_POINTS, 1, 0};
+    case D3DPT_LINELIST:
+        return {GL_LINES, 2, 0};
+    case D3DPT_LINESTRIP:
+        return {GL_LINE_STRIP, 1, 1};
+    case D3DPT_TRIANGLESTRIP:
+        return {GL_TRIANGLE_STRIP, 1, 2};
+    case Fan:
+        return {GL_TRIANGLE_FAN, 1, 2};
+    default:
+        return {GL_TRIANGLES, 3, 0};
+    }
+}
+
+// What the program's key is made of.
+constexpr unsigned int ProgramGroups =
+    Changed::Format | Changed::Lights | Changed::Stage | Changed::Textures | Changed::AlphaTest;
+
+} // namespace
+
+void GlBackend::Versioned::Set(const D3DMATRIX& matrix) {
+    if (Same(value, matrix))
+        return;
+    value = matrix;
+    ++version;
+}
+
+void GlBackend::Draw(const State& state, unsigned int changed, const Primitive& primitive) {
+    mPending |= changed;
+    if (!state.format || !state.target.color || !MakeCurrent())
+        return;
+    if (mPending != 0) {
+        const unsigned int groups = mPending;
+        mPending = 0;
+        resolve(state, groups);
+    }
+    if (mProgram->name == 0)
+        return;
+    const Shape shape = ShapeOf(primitive.type);
+    const UINT count = std::min(primitive.count, MaxPrimitives) * shape.perPrimitive + shape.extra;
+    if (!bindVertices(state, primitive, count))
+        return;
+    const bool lines = shape.mode == GL_LINES || shape.mode == GL_LINE_STRIP ||
+                       state.raster.fill == D3DFILL_WIREFRAME;
+    loadUniforms(state, lines);
+    if (primitive.indexed) {
+        drawIndexed(state, primitive, shape.mode, count);
+        return;
+    }
+    const UINT start = primitive.userVertices ? 0 : primitive.start;
+    glDrawArrays(shape.mode, static_cast<GLint>(std::min(start, MaxBufferSize)),
+                 static_cast<GLsizei>(count));
+    ++glCounters.drawCalls;
+}
+
+void GlBackend::drawIndexed(const State& state, const Primitive& primitive, GLenum mode,
+                            UINT count) {
+    const GlBuffer* indices = Of(state.indices);
+    if (!indices)
+        return;
+    // No driver promises to look where the indices end.
+    const UINT size = state.wideIndices ? 4 : 2;
+    const UINT held = indices->Size() / size;
+    if (primitive.start >= held)
+        return;
+    count = std::min(count, held - primitive.start);
+    if (mLayout->indices.Set(indices->Name()))
+        glVertexArrayElementBuffer(mLayout->name, indices->Name());
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): an offset in a pointer
+    const auto* offset = reinterpret_cast<const void*>(std::uintptr_t(primitive.start) * size);
+    const GLenum type = state.wideIndices ? GL_UNSIGNED_INT : GL_UNSIGNED_SHORT;
+    if (primitive.baseVertex == 0)
+        glDrawElements(mode, static_cast<GLsizei>(count), type, offset);
+    else
+        glDrawElementsBaseVertex(mode, static_cast<GLsizei>(count), type, offset,
+                                 primitive.baseVertex);
+    ++glCounters.drawCalls;
+}
+
+bool GlBackend::bindVertices(const State& state, const Primitive& primitive, UINT vertexCount) {
+    VertexSource source;
+    if (primitive.userVertices) {
+        const std::size_t size = std::size_t(vertexCount) * primitive.userStride;
+        if (size == 0 || size > MaxBufferSize || primitive.userStride > LargestStride ||
+            !mStream.Write(primitive.userVertices, size))
+            return false;
+        source = {mStream.Name(), mStream.Offset(), static_cast<GLsizei>(primitive.userStride)};
+    } else {
+        if (!state.vertices || state.stride > LargestStride)
+            return false;
+        source = {Of(state.vertices)->Name(), static_cast<GLintptr>(state.vertexOffset),
+                  static_cast<GLsizei>(state.stride)};
+    }
+    if (mLayout->vertices.Set(source))
+        glVertexArrayVertexBuffer(mLayout->name, 0, source.buffer, source.offset, source.stride);
+    return true;
+}
+
+void GlBackend::resolve(const State& state, unsigned int groups) {
+    resolveOutput(state, groups);
+    groups |= makeRoom();
+    if (groups & Changed::Format) {
+        mLayout = &mLayouts.Of(*state.format);
+        if (mBoundLayout.Set(mLayout->name))
+            glBindVertexArray(mLayout->name);
+    }
+    if (groups & ProgramGroups)
+        resolveProgram(state);
+    resolveMatrices(state, groups);
+    if (groups & (ProgramGroups | Changed::Samplers))
+        resolveTexture(state);
+}
+
+void GlBackend::resolveOutput(const State& state, unsigned int groups) {
+    const GlTexture* color = Of(state.target.color);
+    if (groups & Changed::Target) {
+        const GLuint framebuffer = mFramebuffers.Of(color, Of(state.target.depth));
+        if (mBoundFramebuffer.Set(framebuffer))
+            glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    }
+    if ((groups & (Changed::Target | Changed::Viewport)) &&
+        mOutput.Viewport(state.viewport, state.target))
+        ++mPlaceVersion;
+    if (groups & Changed::Raster)
+        mOutput.Raster(state.raster);
+    if (groups & (Changed::Target | Changed::Depth))
+        mOutput.Depth(state.depth, state.target.depth != nullptr);
+    if (groups & (Changed::Target | Changed::Blend))
+        mOutput.Blend(state.blend, color->Format().alpha);
+}
+
+// What a host can make more and more of starts anew at times.
+unsigned int GlBackend::makeRoom() {
+    unsigned int groups = 0;
+    if (mLayouts.Full()) {
+        mLayouts.Free();
+        mBoundLayout.Forget();
+        groups |= Changed::Format;
+    }
+    if (mSamplers.Full()) {
+        mSamplers.Free();
+        mBoundSampler.Forget();
+        groups |= Changed::Samplers;
+    }
+    return groups;
+}
+
+void GlBackend::resolveProgram(const State& state) {
+    const FixedFunctionKey key =
+        KeyOf(state, {mLayout->hasNormal, mLayout->hasColor, mLayout->hasCoordinates});
+    if (!mProgram || mProgram->key != key)
+        mProgram = &mPrograms.Of(key);
+    if (mBoundProgram.Set(mProgram->name))
+        glUseProgram(mProgram->name);
+}
+
+void GlBackend::resolveMatrices(const State& state, unsigned int groups) {
+    if (groups & (Changed::World | Changed::Projection)) {
+        if (groups & Changed::World) {
+            mWorldView.Set(Multiply(state.world, state.view));
+            mLightsKnown = mLightsKnown && Same(mView, state.view);
+        }
+        mWorldViewProjection.Set(Multiply(mWorldView.value, state.projection));
+    }
+    if (groups & Changed::TextureMatrix)
+        mTextureMatrix.Set(state.textureMatrix);
+    if (groups & Changed::Lights)
+        mLightsKnown = false;
+}
+
+void GlBackend::resolveTexture(const State& state) {
+    if (!mProgram->key.textured)
+        return;
+    const GlTexture* texture = Of(state.textures[0]);
+    if (mBoundTexture.Set(texture->Name()))
+        glBindTextureUnit(0, texture->Name());
+    const GLuint sampler = mSamplers.Of(state.samplers[0], texture->Format());
+    if (mBoundSampler.Set(sampler))
+        glBindSampler(0, sampler);
+}
+
+// Each program keeps its own uniforms. The matrices go as they are: a row of Direct3D is a column
+// of OpenGL, and v * M is M * v then.
+void GlBackend::loadUniforms(const State& state, bool lines) {
+    Program& program = *mProgram;
+    const auto load = [](int location, const Versioned& matrix, unsigned int& version) {
+        if (version == matrix.version)
+            return;
+        version = matrix.version;
+        glUniformMatrix4fv(location, 1, GL_FALSE, &matrix.value.m[0][0]);
+    };
+    load(Uniform::WorldViewProjection, mWorldViewProjection, program.worldViewProjection);
+    const unsigned int place = 2 * mPlaceVersion + (lines ? 1u : 0u);
+    if (program.place != place)
+        glUniform4fv(Uniform::Place, 1, mOutput.Place(lines).data());
+    program.place = place;
+    if (program.key.transformed)
+        load(Uniform::TextureMatrix, mTextureMatrix, program.textureMatrix);
+    if (program.key.lighting == Lighting::Lit) {
+        load(Uniform::WorldView, mWorldView, program.worldView);
+        loadLights(state);
+    }
+    if (program.key.alphaTest != 0) {
+        const auto reference = static_cast<int>(state.alphaTest.reference & 0xff);
+        if (program.alphaReference != reference)
+            glUniform1i(Uniform::AlphaReference, reference);
+        program.alphaReference = reference;
+    }
+}
+
+void GlBackend::loadLights(const State& state) {
+    if (!mLightsKnown) {
+        mLightsKnown = true;
+        mView = state.view;
+        const PackedLights lights = PackLights(state.lights, state.view);
+        if (lights != mLights) {
+            mLights = lights;
+            ++mLightsVersion;
+        }
+    }
+    if (mProgram->lights == mLightsVersion)
+        return;
+    mProgram->lights = mLightsVersion;
+    glUniform1i(Uniform::LightCount, mLights.count);
+    glUniform4fv(Uniform::Lights, static_cast<GLsizei>(mLights.vectors.size()),
+                 mLights.vectors[0].data());
+}
+
+} // namespace VornPlatform

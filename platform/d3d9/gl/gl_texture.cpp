@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "platform/d3d9/gl/gl_texture.hpp"
+#include "platform/d3d9/gl/dxt.hpp"
+#include "platform/d3d9/gl/gl_backend.hpp"
+
+#include <cstring>
+#include <vector>
+
+namespace VornPlatform {
+
+namespace {
+
+struct Box {
+    GLint x, y;
+    GLsizei width, height;
+
+    explicit Box(const RECT& rect)
+        : x(rect.left), y(rect.top), width(rect.right - rect.left), height(rect.bottom - rect.top) {
+    }
+    bool Empty() const { return width <= 0 || height <= 0; }
+};
+
+bool DriverDecompresses() {
+    return epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc");
+}
+
+std::size_t Size(GLsizei count) {
+    return static_cast<std::size_t>(count);
+}
+
+} // namespace
+
+std::unique_ptr<GlTexture> GlTexture::Make(GlBackend& backend, const TextureDesc& desc) {
+    const GlFormat* format = FindFormat(desc.format);
+    if (!format)
+        return nullptr;
+    const bool decompress = format->compressed && !DriverDecompresses();
+    TakeErrors();
+    GLuint name = 0;
+    glCreateTextures(GL_TEXTURE_2D, 1, &name);
+    glTextureStorage2D(name, static_cast<GLsizei>(desc.levels),
+                       decompress ? GL_RGBA8 : format->internal, static_cast<GLsizei>(desc.width),
+                       static_cast<GLsizei>(desc.height));
+    if (TakeErrors()) {
+        glDeleteTextures(1, &name);
+        return nullptr;
+    }
+    ++glCounters.textures;
+    if (!format->depth)
+        glTextureParameteriv(name, GL_TEXTURE_SWIZZLE_RGBA, format->swizzle);
+    // What was never written is undefined in Direct3D; the same every time is kinder to the host.
+    if (desc.target)
+        glClearTexImage(name, 0, format->depth ? GL_DEPTH_COMPONENT : GL_RGBA,
+                        format->depth ? GL_FLOAT : GL_UNSIGNED_BYTE, nullptr);
+    return std::unique_ptr<GlTexture>(new GlTexture(backend, *format, name));
+}
+
+GlTexture::~GlTexture() {
+    --glCounters.textures;
+    if (!mBackend.MakeCurrent())
+        return;
+    mBackend.Forget(*this);
+    glDeleteTextures(1, &mName);
+}
+
+void GlTexture::Write(UINT level, const RECT& rect, const void* pixels, UINT pitch) {
+    const Box box(rect);
+    if (box.Empty() || mFormat.depth || !mBackend.MakeCurrent())
+        return;
+    if (mFormat.compressed)
+        return writeBlocks(level, rect, pixels, pitch);
+    const auto write = [&](GLint y, GLsizei height, const void* from) {
+        glTextureSubImage2D(mName, static_cast<GLint>(level), box.x, y, box.width, height,
+                            mFormat.external, mFormat.type, from);
+    };
+    if (pitch % mFormat.bytes == 0 && pitch >= Size(box.width) * mFormat.bytes) {
+        glPixelStorei(GL_UNPACK_ROW_LENGTH, static_cast<GLint>(pitch / mFormat.bytes));
+        write(box.y, box.height, pixels);
+        glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+        return;
+    }
+    for (GLsizei row = 0; row < box.height; ++row)
+        write(box.y + row, 1, static_cast<const BYTE*>(pixels) + Size(row) * pitch);
+}
+
+void GlTexture::writeBlocks(UINT level, const RECT& rect, const void* pixels, UINT pitch) {
+    const Box box(rect);
+    if (!DriverDecompresses()) {
+        const auto plain =
+            DecompressDxt(mFormat.format, pixels, pitch, static_cast<UINT>(box.width),
+                          static_cast<UINT>(box.height));
+        glTextureSubImage2D(mName, static_cast<GLint>(level), box.x, box.y, box.width, box.height,
+                            GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, plain.data());
+        return;
+    }
+    const std::size_t rows = Size(box.height + 3) / 4;
+    const std::size_t rowBytes = Size(box.width + 3) / 4 * mFormat.bytes;
+    std::vector<BYTE> packed;
+    if (pitch != rowBytes) {
+        packed.resize(rows * rowBytes);
+        for (std::size_t row = 0; row < rows; ++row)
+            std::memcpy(&packed[row * rowBytes], static_cast<const BYTE*>(pixels) + row * pitch,
+                        rowBytes);
+        pixels = packed.data();
+    }
+    glCompressedTextureSubImage2D(mName, static_cast<GLint>(level), box.x, box.y, box.width,
+                                  box.height, mFormat.internal,
+                                  static_cast<GLsizei>(rows * rowBytes), pixels);
+}
+
+void GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
+    const Box box(rect);
+    if (box.Empty() || mFormat.depth || mFormat.compressed || !mBackend.MakeCurrent())
+        return;
+    // In one go, then apart: the pitch need not be a whole number of pixels.
+    const std::size_t rowBytes = Size(box.width) * mFormat.bytes;
+    std::vector<BYTE> packed;
+    BYTE* to = static_cast<BYTE*>(pixels);
+    if (pitch != rowBytes) {
+        packed.resize(rowBytes * Size(box.height));
+        to = packed.data();
+    }
+    glGetTextureSubImage(mName, static_cast<GLint>(level), box.x, box.y, 0, box.width, box.height,
+                         1, mFormat.external, mFormat.type,
+                         static_cast<GLsizei>(rowBytes * Size(box.height)), to);
+    for (std::size_t row = 0; row < Size(box.height); ++row) {
+        BYTE* line = to + row * rowBytes;
+        if (!mFormat.alpha)
+            for (std::size_t x = 3; x < rowBytes; x += 4)
+                line[x] = 0xff;
+        if (!packed.empty())
+            std::memcpy(static_cast<BYTE*>(pixels) + row * pitch, line, rowBytes);
+    }
+}
+
+void GlTexture::GenerateMips() {
+    if (!mFormat.compressed && !mFormat.depth && mBackend.MakeCurrent())
+        glGenerateTextureMipmap(mName);
+}
+
+} // namespace VornPlatform
