@@ -150,9 +150,12 @@ bool JsonBool(const Json::Value& object, std::string_view key, bool fallback) {
                       [](const Json::Value& v) { return v.asBool(); });
 }
 
+int JsonInt(const Json::Value* value, std::string_view key, int fallback) {
+    return Read<int>(value, key, fallback, "int", [](const Json::Value& v) { return v.asInt(); });
+}
+
 int JsonInt(const Json::Value& object, std::string_view key, int fallback) {
-    return Read<int>(Find(object, key), key, fallback, "int",
-                     [](const Json::Value& v) { return v.asInt(); });
+    return JsonInt(Find(object, key), key, fallback);
 }
 
 unsigned int JsonUInt(const Json::Value& object, std::string_view key, unsigned int fallback) {

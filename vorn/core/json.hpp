@@ -75,6 +75,7 @@ std::array<const Json::Value*, N> JsonMembers(const Json::Value& object, const J
 VORN_API const Json::Value& JsonObject(const Json::Value* value, std::string_view key);
 VORN_API std::string JsonString(const Json::Value* value, std::string_view key,
                                 const std::string& fallback);
+VORN_API int JsonInt(const Json::Value* value, std::string_view key, int fallback);
 VORN_API float JsonFloat(const Json::Value* value, std::string_view key, float fallback);
 
 /// A number as it is written: JSON has no infinities and no NaN. An infinity becomes 1e308 with its

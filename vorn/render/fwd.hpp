@@ -5,7 +5,11 @@ namespace Vorn {
 
 class EmitterCmpt;
 class EmitterSystem;
+class Graphic;
 class GraphicsCmpt;
 class GraphicsSystem;
+class HeightMap;
+struct VERTEX_2D;
+struct VERTEX_LINE;
 
 } // namespace Vorn

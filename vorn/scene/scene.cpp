@@ -6,6 +6,7 @@
 #include "vorn/core/json.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/render/graphics_cmpt.hpp"
+#include "vorn/resource/rsc_pack_manager.hpp"
 #include "vorn/scene/entity.hpp"
 #include "vorn/scene/entity_factory.hpp"
 
@@ -146,7 +147,14 @@ void Scene::SerializeEntities() {
     mDescribedIn.clear();
 }
 
-void Scene::Load() {}
+void Scene::Load() {
+    if (mResourcePack.empty())
+        return;
+    RscPack* const pack = RscPackManager::Instance()->LoadRscPack(mResourcePack);
+    pack->InitLoad();
+    while (!pack->Load(nullptr)) {
+    }
+}
 
 void Scene::Init() {
     if (mEntitiesValue.isNull())

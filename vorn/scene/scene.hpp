@@ -57,7 +57,9 @@ public:
     /// Replaces the description's entities by the live ones, with all of their parameters.
     virtual void SerializeEntities();
 
-    /// Before the first Init. So far it loads nothing: the resource pack is only a name.
+    /// Before the first Init: loads everything that the resource pack lists, in this one call; the
+    /// empty name loads nothing. Raises as RscPackManager::LoadRscPack does, and as the stores do;
+    /// what was loaded before stays. Nothing of it goes when the scene does.
     virtual void Load();
     /// Creates an entity for each element of the description: fetched from the pool of its "Type"
     /// as its "Variant", overridden by the element, entered in the list. Then, when all are there,

@@ -2,6 +2,8 @@
 #include "vorn/shell/engine.hpp"
 
 #include "vorn/input/keyboard_mouse.hpp"
+#include "vorn/render/graphic.hpp"
+#include "vorn/resource/rsc_pack_manager.hpp"
 #include "vorn/sound/sound_manager.hpp"
 
 #include <utility>
@@ -18,6 +20,8 @@ unsigned int Engine::mWindowWidth = 0;
 unsigned int Engine::mWindowHeight = 0;
 HWND Engine::mWnd = nullptr;
 std::string Engine::mWindowTitle;
+Graphic* Engine::mGraphics = Singleton<Graphic>::Instance();
+RscPackManager* Engine::mResourcePackManager = Singleton<RscPackManager>::Instance();
 HCURSOR Engine::mCursor = nullptr;
 
 namespace {
@@ -113,12 +117,41 @@ void Engine::Init(const std::string& title, unsigned int width, unsigned int hei
                                mRectWindow.right, mRectWindow.bottom, nullptr, nullptr,
                                mWc.hInstance, nullptr);
     DisplayWindow();
+    mGraphics->Init(mWnd, width, height, fullscreen);
+}
+
+void Engine::Free() {
+    mGraphics->Free();
+}
+
+bool Engine::CheckContext() {
+    return mGraphics->CheckContext();
+}
+
+void Engine::Reset() {
+    mResourcePackManager->Release();
+    mGraphics->Reset();
+    mResourcePackManager->Reload();
 }
 
 void Engine::ToggleFullScreen() {
     isFullscreen = !isFullscreen;
-    if (isFullscreen) {
+    if (isFullscreen)
         GetWindowRect(mWnd, &mRectWindow);
+
+    // The device first, in its new mode, and the window after it.
+    mGraphics->WaitForLostDevice();
+    const D3DPRESENT_PARAMETERS before = Graphic::m3Dpp;
+    Graphic::m3Dpp = isFullscreen ? Graphic::m3DppFull : Graphic::m3DppWindow;
+    try {
+        Reset();
+    } catch (...) {
+        isFullscreen = !isFullscreen;
+        Graphic::m3Dpp = before;
+        throw;
+    }
+
+    if (isFullscreen) {
         SetWindowLongA(mWnd, GWL_STYLE, static_cast<LONG>(WS_POPUP));
         if (!mMenu) {
             mMenu = GetMenu(mWnd);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The window of the game: one, with a switch between window and full screen. The engine has no
-// loop; the host fetches the window's messages and stops when IsShutdown says so.
+// The window of the game and its device: one, with a switch between window and full screen. The
+// engine has no loop; the host fetches the window's messages and stops when IsShutdown says so.
 //
 //   auto* engine = Vorn::Engine::Instance();
 //   engine->Init("Meadow", 800, 600, false);
@@ -10,8 +10,12 @@
 //           TranslateMessage(&message);
 //           DispatchMessageA(&message);
 //       }
-//       // input, triggers, scene
+//       // input, triggers, scene, picture
+//       if (!engine->CheckContext())
+//           engine->Reset();
 //   }
+//   Vorn::RscPackManager::Instance()->Free();
+//   engine->Free();
 //
 // The window's procedure, which runs inside the host's dispatching, feeds the focus to `isActive`
 // and the switches of SoundManager, and mouse and wheel to the functions of keyboard_mouse.hpp. All
@@ -20,6 +24,8 @@
 
 #include "vorn/core/api.hpp"
 #include "vorn/core/singleton.hpp"
+#include "vorn/render/fwd.hpp"
+#include "vorn/resource/fwd.hpp"
 
 #include <windows.h>
 
@@ -29,13 +35,25 @@ namespace Vorn {
 
 class VORN_API Engine : public Singleton<Engine> {
 public:
-    /// Makes the window and shows it; `title` names its class too (unit of size: client pixels). No
-    /// result is looked at: what cannot be made is null, and everything goes on. The cursor is
+    /// Makes the window, shows it, and makes the device with a back buffer of that size; `title`
+    /// names the window's class too (unit of size: client pixels). Of the window no result is
+    /// looked at: what cannot be made is null, and everything goes on. The cursor is
     /// "data/cursor_pointer.ani", if that is there; over the client area the pointer is hidden.
+    /// Raises as Graphic::Init does where the machine has no such device; the window stays then.
     void Init(const std::string& title, unsigned int width, unsigned int height, bool fullscreen);
+    /// Ends the device; the window stays. Free the resource packs before.
+    void Free();
 
-    /// Remembers the window's placement on the way to full screen, and brings it back on the way
-    /// to a window. A game that started in full screen comes up in the corner of the screen.
+    /// Whether the device works. When it does not, Reset waits until it can be brought back.
+    bool CheckContext();
+    /// Brings a lost device back, with what the stores have on it: their entries and all pointers
+    /// to them stay. Raises as Graphic::Reset does; the stores are released then, and a later Reset
+    /// brings them back.
+    void Reset();
+    /// Resets the device in the other mode, as Reset does, and then changes the window. Remembers
+    /// the window's placement on the way to full screen, and brings it back on the way to a window.
+    /// A game that started in full screen comes up in the corner of the screen. If the reset
+    /// raises, the mode is the old one.
     void ToggleFullScreen();
 
     void DisplayWindow();
@@ -66,6 +84,8 @@ public:
     static unsigned int mWindowHeight;
     static HWND mWnd;
     static std::string mWindowTitle;
+    static Graphic* mGraphics;
+    static RscPackManager* mResourcePackManager;
     static HCURSOR mCursor;
 };
 

@@ -3,6 +3,8 @@
 
 namespace Vorn {
 
+class SoundLoader;
 class SoundManager;
+struct Sound;
 
 } // namespace Vorn
