@@ -2,6 +2,7 @@
 //
 // `vorn`, the author's one command. Each of its commands is a file pair beside this one.
 #include "tools/import.hpp"
+#include "tools/import/assets.hpp"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -29,9 +30,9 @@ CLI::App* addImport(CLI::App& app, Import::Options& options) {
         ->type_name("NAME")
         ->check(CLI::Validator(
             [](std::string& name) {
-                const bool bad =
-                    name.empty() || name[0] == '.' || name.find('/') != std::string::npos;
-                return bad ? std::string("no name for a file") : std::string();
+                return name == Import::SafeName(name) && !name.empty()
+                           ? std::string()
+                           : std::string("letters, digits, '-', '_' and '.' behind the first");
             },
             ""));
     command

@@ -138,4 +138,16 @@ TEST_F(EngineDevice, AGameThatIsClosedDrawsItsLastFrameAndEnds) {
     engine.CheckContext();
 }
 
+// Nothing can bring the device back then: waits that would go on for ever end.
+TEST_F(EngineDevice, NobodyWaitsForALostDeviceWhoseWindowHasGone) {
+    Open();
+    VornPlatform::LoseDevice();
+    VornPlatform::SendClose();
+    Tests::Pump();
+    engine.Reset();
+    Graphic::Instance()->WaitForLostDevice();
+    EXPECT_FALSE(engine.CheckContext());
+    VornPlatform::RestoreDevice();
+}
+
 } // namespace

@@ -12,6 +12,7 @@ namespace Tests {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -122,6 +123,24 @@ TEST_F(FileImport, MakesAModelOfEachMaterialAndAPackOfAll) {
                       HasSubstr("\n      textures/lost.png"), HasSubstr("rewritten as PNG"),
                       HasSubstr("its textures for")));
     EXPECT_EQ(Result("img/untextured.tga").size(), 18u + 4 * 4 * 3);
+}
+
+// Names of other days and other letters: a pack is JSON, and can name nothing but UTF-8.
+TEST_F(FileImport, PackNamesFilesThatAreThere) {
+    mFolder.File("tripod.obj", "mtllib tripod.mtl\nv 1 0 0\nv 0 0 -2\nv 0 3 0\n"
+                               "usemtl gr\xfcn\nf 1 2 3\nusemtl bl\xc3\xa4u\nf 1 3 2\n");
+    mFolder.File("tripod.mtl", "newmtl gr\xfcn\nmap_Kd skin..tga\nnewmtl bl\xc3\xa4u\n");
+    mFolder.File("skin..tga", std::string("\0\0\2\0\0\0\0\0\0\0\0\0\1\0\1\0\x18\0abc", 21));
+    const Outcome outcome = Import("tripod.obj");
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const Json::Value pack = Json("pack/tripod.json");
+    const std::vector<std::string> results = Results();
+    for (const auto& [list, folder] :
+         {std::pair("Mesh", "mesh"), {"Texture", "img"}, {"Material", "mat"}}) {
+        EXPECT_EQ(pack[list].size(), 2u);
+        for (const Json::Value& name : pack[list])
+            EXPECT_THAT(results, Contains(std::string("data/") + folder + '/' + name.asString()));
+    }
 }
 
 TEST_F(FileImport, WritesTexturesOutAsTheSourceHoldsThem) {

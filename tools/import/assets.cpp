@@ -13,6 +13,7 @@
 #include <cctype>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 
 namespace Import {
 namespace {
@@ -81,6 +82,26 @@ fs::path findTexture(const std::string& source, std::string path,
     return {};
 }
 
+/// Bytes of the UTF-8 letter that a text begins with; 0 where it is none. Whatever is no UTF-8, the
+/// pack, which is JSON, could not name.
+std::size_t letterLength(std::string_view text) {
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    const unsigned char lead = byte(0);
+    if (lead < 0x80)
+        return 1;
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || text.size() < length)
+        return 0;
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0) != 0x80)
+            return 0;
+    }
+    // Longer than it need be, half of a pair, and beyond the last letter.
+    const bool wrong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) > 0x9F) ||
+                       (lead == 0xF0 && byte(1) < 0x90) || (lead == 0xF4 && byte(1) > 0x8F);
+    return wrong ? 0 : length;
+}
+
 Json::Value numbers(const std::array<double, 4>& values) {
     Json::Value array(Json::arrayValue);
     for (const double value : values)
@@ -98,12 +119,18 @@ Json::Value texts(const std::vector<std::string>& values) {
 } // namespace
 
 std::string SafeName(const std::string& name) {
+    constexpr std::size_t longest = 80;
     std::string safe;
-    for (const char c : name.substr(0, 80)) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool fine = byte >= 0x80 || std::isalnum(byte) != 0 || c == '-' || c == '_' ||
-                          (c == '.' && !safe.empty());
-        safe += fine ? c : '_';
+    for (std::size_t i = 0; i < name.size();) {
+        const std::size_t length = letterLength(std::string_view(name).substr(i));
+        if (safe.size() + std::max<std::size_t>(length, 1) > longest)
+            break;
+        const char c = name[i];
+        const bool fine =
+            length > 1 || (length == 1 && (std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+                                           c == '-' || c == '_' || (c == '.' && !safe.empty())));
+        safe += fine ? name.substr(i, length) : "_";
+        i += std::max<std::size_t>(length, 1);
     }
     return safe;
 }

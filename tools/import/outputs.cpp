@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -55,7 +56,9 @@ void WriteOutputs(const std::string& folder, const std::vector<OutputFile>& file
     std::vector<const OutputFile*> fresh;
     std::string inTheWay;
     for (const OutputFile& file : files) {
-        if (!file.path.starts_with("data/") || file.path.find("..") != std::string::npos)
+        const fs::path relative = file.path;
+        if (!file.path.starts_with("data/") ||
+            std::find(relative.begin(), relative.end(), "..") != relative.end())
             throw std::runtime_error("a result has a strange name: " + file.path);
         const fs::path place = fs::path(folder) / file.path;
         if (fs::is_regular_file(place)) {

@@ -19,16 +19,10 @@ struct OpenedFile {
 };
 
 OpenedFile Open(const std::string& path) {
-    // A directory opens like a file and only fails to be read.
-    std::error_code fault;
     OpenedFile file;
-    if (std::filesystem::is_regular_file(path, fault))
-        file.stream.open(path, std::ios::binary | std::ios::ate);
-    const std::streamoff size =
-        file.stream.is_open() ? static_cast<std::streamoff>(file.stream.tellg()) : -1;
-    if (size < 0 || size > std::streamoff{std::numeric_limits<unsigned int>::max()})
+    std::uint64_t size = 0;
+    if (!OpenFile(path, file.stream, size) || size > std::numeric_limits<unsigned int>::max())
         throw std::runtime_error("cannot open file: " + path);
-    file.stream.seekg(0);
     file.size = static_cast<unsigned int>(size);
     return file;
 }
@@ -40,6 +34,19 @@ unsigned int Read(OpenedFile& file, char* data) {
 }
 
 } // namespace
+
+bool OpenFile(const std::string& path, std::ifstream& file, std::uint64_t& size) {
+    std::error_code fault;
+    if (!std::filesystem::is_regular_file(path, fault))
+        return false;
+    file.open(path, std::ios::binary | std::ios::ate);
+    const std::streamoff end = file.is_open() ? static_cast<std::streamoff>(file.tellg()) : -1;
+    if (end < 0)
+        return false;
+    file.seekg(0);
+    size = static_cast<std::uint64_t>(end);
+    return true;
+}
 
 void MemoryFromFile(const std::string& path, char*& data, unsigned int& size) {
     OpenedFile file = Open(path);

@@ -8,10 +8,17 @@
 
 #include "vorn/core/api.hpp"
 
+#include <cstdint>
+#include <fstream>
 #include <string>
 #include <vector>
 
 namespace Vorn {
+
+/// Opens a plain file for reading in binary mode, at its start. False for what cannot be opened and
+/// for what is no plain file: a directory would open like one, and a pipe wait for its writer.
+/// (unit of size: bytes)
+VORN_API bool OpenFile(const std::string& path, std::ifstream& file, std::uint64_t& size);
 
 /// Reads a whole file into a new array that the caller frees with `delete[]`. No terminator is
 /// added; an empty file gives an array of length 0. Raises std::runtime_error, "cannot open file: "

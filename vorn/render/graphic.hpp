@@ -48,7 +48,8 @@ public:
 
     /// Makes the device, with a back buffer of that size (unit: pixels). Raises std::exception
     /// where there is no Direct3D, or no device: no OpenGL 4.5, or no such window. A device that is
-    /// there goes first, as by Free.
+    /// there goes first, as by Free; what the stores had on it, RscPackManager::Reload brings to
+    /// the new one, and so what they loaded before there was any.
     void Init(HWND window, unsigned int width, unsigned int height, bool fullscreen);
     /// Brings the device back after a loss, or into the mode that m3Dpp asks for. Of the engine's
     /// own objects it releases and makes anew those of this class; the stores must be released
@@ -61,7 +62,8 @@ public:
     /// of the default pool; a later Reset tries again. A driver that reports an internal error ends
     /// the window.
     void Reset();
-    /// Switches the mode by a Reset: the stores must be released first, and reloaded after.
+    /// Switches the mode by a Reset: the stores must be released first, and reloaded after. If the
+    /// reset raises, m3Dpp asks for the new mode all the same.
     void SetFullscreen(bool fullscreen);
     /// Returns when the device is no longer lost, which means that it waits for its Reset, or
     /// works. Meanwhile as Reset, while the device stays lost.

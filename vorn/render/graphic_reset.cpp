@@ -19,10 +19,11 @@ constexpr int MostMessages = 1000; // in a pause: a procedure may post itself th
 // window. Messages of the host's own, which have no window, wait for the host.
 class Patience {
 public:
-    explicit Patience(HWND window) : mWindow(window), mHadWindow(hasWindow()) {}
+    explicit Patience(HWND window) : mWindow(window) {}
 
     /// Dispatches what has come and sleeps a little. False when there is nothing to wait for: the
-    /// window has gone, or the host is to quit, which it is told again.
+    /// window has gone, also before this wait began, or the host is to quit, which it is told
+    /// again.
     bool Wait() {
         MSG message;
         for (int i = 0; i < MostMessages && PeekMessageA(&message, mWindow, 0, 0, PM_REMOVE); ++i) {
@@ -33,20 +34,16 @@ public:
             TranslateMessage(&message);
             DispatchMessageA(&message);
         }
-        if (mHadWindow && !hasWindow())
+        // A device that a host has made itself may have no window that we know of.
+        RECT rect;
+        if (mWindow && !GetWindowRect(mWindow, &rect))
             return false;
         Sleep(Pause);
         return true;
     }
 
 private:
-    bool hasWindow() const {
-        RECT rect;
-        return GetWindowRect(mWindow, &rect) != FALSE;
-    }
-
     HWND mWindow;
-    bool mHadWindow;
 };
 
 } // namespace

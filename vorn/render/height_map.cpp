@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vorn/render/height_map.hpp"
 
+#include "vorn/core/file.hpp"
 #include "vorn/render/graphic.hpp"
 #include "vorn/resource/device_object.hpp"
 #include "vorn/resource/mesh.hpp"
@@ -9,7 +10,6 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <memory>
@@ -95,15 +95,10 @@ bool HeightMap::Init(const char* path) {
 }
 
 bool HeightMap::LoadHeightMap(const char* path) {
-    // A directory opens like a file, and a pipe would wait for its writer.
-    std::error_code fault;
-    if (!path || !std::filesystem::is_regular_file(path, fault))
-        return false;
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    const std::streamoff size = file.tellg();
-    file.seekg(0);
+    std::ifstream file;
+    std::uint64_t size = 0;
     char header[HeaderSize];
-    if (!file.read(header, sizeof header))
+    if (!path || !OpenFile(path, file, size) || !file.read(header, sizeof header))
         return false;
 
     // The size must be one that the file can hold before anything is allocated for it.
@@ -113,7 +108,7 @@ bool HeightMap::LoadHeightMap(const char* path) {
     const std::size_t rowSize = 3 * static_cast<std::size_t>(width);
     const std::size_t padding = static_cast<std::size_t>(width) % 4;
     const std::size_t rows = static_cast<std::size_t>(height);
-    if (static_cast<std::uint64_t>(size) < HeaderSize + rows * (rowSize + padding) - padding)
+    if (size < HeaderSize + rows * (rowSize + padding) - padding)
         return false;
 
     std::unique_ptr<float[]> heights(new (std::nothrow) float[rows * rowSize]);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vorn/resource/model_loader.hpp"
 
+#include "vorn/core/file.hpp"
 #include "vorn/core/huge_memory.hpp"
 #include "vorn/render/graphic.hpp"
 #include "vorn/resource/device_object.hpp"
@@ -10,7 +11,6 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <filesystem>
 #include <limits>
 #include <memory>
 #include <new>
@@ -76,20 +76,13 @@ void SetTransform(const Floats7& f, Vector3& translation, Quaternion& rotation, 
 
 void ModelLoader::Open(std::string path, Mesh& mesh) {
     mesh.Clear();
-    // A directory opens like a file, and a pipe would wait for its writer.
-    std::error_code fault;
-    if (std::filesystem::is_regular_file(path, fault))
-        mFile.open(path, std::ios::binary | std::ios::ate);
     // Fit for the next file, also if memory runs out.
     const auto close = [](std::ifstream* file) {
         file->close();
         file->clear();
     };
     const std::unique_ptr<std::ifstream, decltype(close)> closer(&mFile, close);
-    if (mFile.is_open()) {
-        const std::streamoff size = mFile.tellg();
-        mFile.seekg(0);
-        mLeft = size > 0 ? static_cast<std::uint64_t>(size) : 0;
+    if (OpenFile(path, mFile, mLeft)) {
         skip(ChunkWords);
         ExtractMesh(mesh);
         ExtractSkeleton(mesh);
@@ -239,7 +232,11 @@ std::size_t ModelLoader::read(void* data, std::size_t size) {
 
 void ModelLoader::skip(std::uint64_t size) {
     size = std::min(size, mLeft);
-    mFile.seekg(static_cast<std::streamoff>(size), std::ios::cur);
+    // A seek drops what the stream has read ahead, which is dear where little is passed over often.
+    if (size <= ChunkSize)
+        mFile.ignore(static_cast<std::streamsize>(size));
+    else
+        mFile.seekg(static_cast<std::streamoff>(size), std::ios::cur);
     mLeft -= size;
 }
 

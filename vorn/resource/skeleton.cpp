@@ -5,6 +5,8 @@
 
 #include <d3dx9.h>
 
+#include <algorithm>
+
 namespace Vorn {
 
 namespace {
@@ -65,7 +67,9 @@ void UpdateSkeleton(float dt, Mesh& mesh) {
     // Parents before children, whatever their order in the array. A hierarchy that runs in a ring
     // is no hierarchy, and ends when every bone could have had its turn.
     std::vector<Bone>& bones = mesh.mBones;
-    std::vector<int> queue = mesh.mRoots;
+    std::vector<int> queue;
+    queue.reserve(std::max(bones.size(), mesh.mRoots.size()));
+    queue = mesh.mRoots;
     for (std::size_t turn = 0; turn < queue.size() && turn < bones.size(); ++turn) {
         const auto index = static_cast<std::size_t>(queue[turn]); // a negative one is huge
         if (index >= bones.size())

@@ -8,14 +8,14 @@
 namespace Vorn {
 
 Texture::Texture(const Texture& texture)
-    : mPath(texture.mPath), mTexture(texture.mTexture), mCopied(true) {}
+    : mPath(texture.mPath), mTexture(texture.mTexture), mCopied(texture.mTexture != nullptr) {}
 
 Texture& Texture::operator=(const Texture& texture) {
     // A copy of ourselves has our slot, which must stay.
     if (mTexture != texture.mTexture) {
         free();
         mTexture = texture.mTexture;
-        mCopied = true;
+        mCopied = mTexture != nullptr; // an empty copy shares nothing and may get a slot of its own
     }
     mPath = texture.mPath;
     return *this;

@@ -19,7 +19,7 @@ struct Sound {
     FMOD::Sound* mSound = nullptr;
 
     Sound() = default;
-    explicit Sound(SoundType type, FMOD::Sound* sound = nullptr) : mType(type), mSound(sound) {}
+    Sound(SoundType type, FMOD::Sound* sound = nullptr) : mType(type), mSound(sound) {}
 };
 
 /// The sounds of "data/audio/", as a pack lists them. The store's own map stays empty: Get raises

@@ -49,6 +49,7 @@ Pasture::Pasture(const std::string& title) {
 
 Pasture::~Pasture() {
     Vorn::SceneManager::Instance()->UnloadCurrentScene();
+    Vorn::Engine::Instance()->Free();
 }
 
 bool Pasture::Frame() {
