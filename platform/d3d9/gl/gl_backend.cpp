@@ -27,7 +27,7 @@ GlBackend::~GlBackend() {
         return;
     mFramebuffers.Free();
     mPrograms.Free();
-    mLayouts.Free();
+    mArrays.Free();
     mSamplers.Free();
 }
 
@@ -48,7 +48,7 @@ void GlBackend::Forget(const GlTexture& texture) {
 }
 
 void GlBackend::Forget(const GlBuffer& buffer) {
-    mLayouts.Forget(buffer.Name());
+    mArrays.Forget(buffer.Name());
     mPending |= Changed::Vertices | Changed::Indices;
 }
 

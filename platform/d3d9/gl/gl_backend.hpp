@@ -16,7 +16,7 @@
 #include "platform/d3d9/gl/output_state.hpp"
 #include "platform/d3d9/gl/programs.hpp"
 #include "platform/d3d9/gl/samplers.hpp"
-#include "platform/d3d9/gl/vertex_layouts.hpp"
+#include "platform/d3d9/gl/vertex_arrays.hpp"
 
 namespace VornPlatform {
 
@@ -60,13 +60,13 @@ private:
     std::unique_ptr<GlContext> mContext;
     Framebuffers mFramebuffers;
     Programs mPrograms;
-    VertexLayouts mLayouts;
+    VertexArrays mArrays;
     Samplers mSamplers;
     StreamBuffer mStream;
 
     // Groups that the next draw looks at, whatever the device says.
     unsigned int mPending = Changed::All;
-    VertexLayout* mLayout = nullptr;
+    VertexArray* mArray = nullptr;
     Program* mProgram = nullptr;
 
     Versioned mWorldViewProjection, mWorldView, mTextureMatrix;
@@ -77,7 +77,7 @@ private:
     bool mLightsKnown = false;
 
     OutputState mOutput;
-    Shadow<GLuint> mBoundFramebuffer, mBoundProgram, mBoundLayout, mBoundTexture, mBoundSampler;
+    Shadow<GLuint> mBoundFramebuffer, mBoundProgram, mBoundArray, mBoundTexture, mBoundSampler;
 };
 
 } // namespace VornPlatform

@@ -110,8 +110,8 @@ void GlBackend::drawIndexed(const State& state, const Primitive& primitive, GLen
     if (primitive.start >= held)
         return;
     count = std::min(count, held - primitive.start);
-    if (mLayout->indices.Set(indices->Name()))
-        glVertexArrayElementBuffer(mLayout->name, indices->Name());
+    if (mArray->indices.Set(indices->Name()))
+        glVertexArrayElementBuffer(mArray->name, indices->Name());
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): an offset in a pointer
     const auto* offset = reinterpret_cast<const void*>(std::uintptr_t(primitive.start) * size);
     const GLenum type = state.wideIndices ? GL_UNSIGNED_INT : GL_UNSIGNED_SHORT;
@@ -137,8 +137,8 @@ bool GlBackend::bindVertices(const State& state, const Primitive& primitive, UIN
         source = {Of(state.vertices)->Name(), static_cast<GLintptr>(state.vertexOffset),
                   static_cast<GLsizei>(state.stride)};
     }
-    if (mLayout->vertices.Set(source))
-        glVertexArrayVertexBuffer(mLayout->name, 0, source.buffer, source.offset, source.stride);
+    if (mArray->vertices.Set(source))
+        glVertexArrayVertexBuffer(mArray->name, 0, source.buffer, source.offset, source.stride);
     return true;
 }
 
@@ -146,9 +146,9 @@ void GlBackend::resolve(const State& state, unsigned int groups) {
     resolveOutput(state, groups);
     groups |= makeRoom();
     if (groups & Changed::Format) {
-        mLayout = &mLayouts.Of(*state.format);
-        if (mBoundLayout.Set(mLayout->name))
-            glBindVertexArray(mLayout->name);
+        mArray = &mArrays.Of(*state.format);
+        if (mBoundArray.Set(mArray->name))
+            glBindVertexArray(mArray->name);
     }
     if (groups & ProgramGroups)
         resolveProgram(state);
@@ -178,9 +178,9 @@ void GlBackend::resolveOutput(const State& state, unsigned int groups) {
 // What a host can make more and more of starts anew at times.
 unsigned int GlBackend::makeRoom() {
     unsigned int groups = 0;
-    if (mLayouts.Full()) {
-        mLayouts.Free();
-        mBoundLayout.Forget();
+    if (mArrays.Full()) {
+        mArrays.Free();
+        mBoundArray.Forget();
         groups |= Changed::Format;
     }
     if (mSamplers.Full()) {
@@ -193,7 +193,7 @@ unsigned int GlBackend::makeRoom() {
 
 void GlBackend::resolveProgram(const State& state) {
     const FixedFunctionKey key =
-        KeyOf(state, {mLayout->hasNormal, mLayout->hasColor, mLayout->hasCoordinates});
+        KeyOf(state, {mArray->hasNormal, mArray->hasColor, mArray->hasCoordinates});
     if (!mProgram || mProgram->key != key)
         mProgram = &mPrograms.Of(key);
     if (mBoundProgram.Set(mProgram->name))

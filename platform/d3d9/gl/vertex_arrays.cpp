@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/d3d9/gl/vertex_layouts.hpp"
+#include "platform/d3d9/gl/vertex_arrays.hpp"
 
 namespace VornPlatform {
 
@@ -61,54 +61,54 @@ int AttributeLocation(BYTE usage, BYTE index) {
     return -1;
 }
 
-VertexLayout& VertexLayouts::Of(const VertexFormat& format) {
+VertexArray& VertexArrays::Of(const VertexFormat& format) {
     if (const auto found = mById.find(format.id); found != mById.end())
         return *found->second;
-    VertexLayout& layout = make(format);
-    mById[format.id] = &layout;
-    return layout;
+    VertexArray& array = make(format);
+    mById[format.id] = &array;
+    return array;
 }
 
-VertexLayout& VertexLayouts::make(const VertexFormat& format) {
-    auto& layout = mLayouts[KeyOf(format)];
-    if (layout)
-        return *layout;
-    layout = std::make_unique<VertexLayout>();
-    glCreateVertexArrays(1, &layout->name);
+VertexArray& VertexArrays::make(const VertexFormat& format) {
+    auto& array = mArrays[KeyOf(format)];
+    if (array)
+        return *array;
+    array = std::make_unique<VertexArray>();
+    glCreateVertexArrays(1, &array->name);
     for (const D3DVERTEXELEMENT9& element : format.elements) {
         const int location = AttributeLocation(element.Usage, element.UsageIndex);
         const ElementType type = TypeOf(element.Type);
         if (location < 0 || type.size == 0 || element.Stream != 0 || element.Offset > LargestOffset)
             continue;
         const auto index = static_cast<GLuint>(location);
-        glEnableVertexArrayAttrib(layout->name, index);
-        glVertexArrayAttribFormat(layout->name, index, type.size, type.type, type.normalized,
+        glEnableVertexArrayAttrib(array->name, index);
+        glVertexArrayAttribFormat(array->name, index, type.size, type.type, type.normalized,
                                   element.Offset);
-        glVertexArrayAttribBinding(layout->name, index, 0);
-        layout->hasNormal |= element.Usage == D3DDECLUSAGE_NORMAL && element.UsageIndex == 0;
-        layout->hasColor |= element.Usage == D3DDECLUSAGE_COLOR && element.UsageIndex == 0;
-        layout->hasCoordinates |= element.Usage == D3DDECLUSAGE_TEXCOORD && element.UsageIndex == 0;
+        glVertexArrayAttribBinding(array->name, index, 0);
+        array->hasNormal |= element.Usage == D3DDECLUSAGE_NORMAL && element.UsageIndex == 0;
+        array->hasColor |= element.Usage == D3DDECLUSAGE_COLOR && element.UsageIndex == 0;
+        array->hasCoordinates |= element.Usage == D3DDECLUSAGE_TEXCOORD && element.UsageIndex == 0;
     }
-    return *layout;
+    return *array;
 }
 
-void VertexLayouts::Forget(GLuint buffer) {
-    for (auto& [key, layout] : mLayouts) {
-        if (layout->vertices.Value().buffer == buffer) {
-            glVertexArrayVertexBuffer(layout->name, 0, 0, 0, 0);
-            layout->vertices = {};
+void VertexArrays::Forget(GLuint buffer) {
+    for (auto& [key, array] : mArrays) {
+        if (array->vertices.Value().buffer == buffer) {
+            glVertexArrayVertexBuffer(array->name, 0, 0, 0, 0);
+            array->vertices = {};
         }
-        if (layout->indices.Value() == buffer) {
-            glVertexArrayElementBuffer(layout->name, 0);
-            layout->indices = {};
+        if (array->indices.Value() == buffer) {
+            glVertexArrayElementBuffer(array->name, 0);
+            array->indices = {};
         }
     }
 }
 
-void VertexLayouts::Free() {
-    for (auto& [key, layout] : mLayouts)
-        glDeleteVertexArrays(1, &layout->name);
-    mLayouts.clear();
+void VertexArrays::Free() {
+    for (auto& [key, array] : mArrays)
+        glDeleteVertexArrays(1, &array->name);
+    mArrays.clear();
     mById.clear();
 }
 

@@ -25,29 +25,29 @@ struct VertexSource {
     bool operator==(const VertexSource&) const = default;
 };
 
-struct VertexLayout {
+struct VertexArray {
     GLuint name = 0;
     bool hasNormal = false, hasColor = false, hasCoordinates = false;
     Shadow<VertexSource> vertices;
     Shadow<GLuint> indices;
 };
 
-class VertexLayouts {
+class VertexArrays {
 public:
-    VertexLayout& Of(const VertexFormat& format);
+    VertexArray& Of(const VertexFormat& format);
     /// The buffer is about to go; an array object would keep its memory.
     void Forget(GLuint buffer);
     /// Time to free them: a host may make format after format.
-    bool Full() const { return mLayouts.size() >= 1024 || mById.size() >= 4096; }
+    bool Full() const { return mArrays.size() >= 1024 || mById.size() >= 4096; }
     /// OpenGL unbinds them, and may give the same names again.
     void Free();
 
 private:
-    VertexLayout& make(const VertexFormat& format);
+    VertexArray& make(const VertexFormat& format);
 
     // By content: formats come and go, and many have the same. By id as a short cut.
-    std::unordered_map<std::string, std::unique_ptr<VertexLayout>> mLayouts;
-    std::unordered_map<unsigned int, VertexLayout*> mById;
+    std::unordered_map<std::string, std::unique_ptr<VertexArray>> mArrays;
+    std::unordered_map<unsigned int, VertexArray*> mById;
 };
 
 } // namespace VornPlatform
