@@ -4,8 +4,12 @@
 #include "tests/support/device.hpp"
 #include "tests/support/temp_folder.hpp"
 
+#include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+
+#include <sys/resource.h>
 
 namespace Tests {
 
@@ -246,6 +250,35 @@ TEST_F(TextureOfFileTest, APartOfTheScreenIsSavedAsItIsSeen) {
     EXPECT_TRUE(FAILED(D3DXSaveSurfaceToFileA((folder / "none/a.png").c_str(), D3DXIFF_PNG,
                                               BackBuffer(), nullptr, nullptr)));
     EXPECT_EQ(Bytes(path), before) << "a refusal harms no file";
+}
+
+TEST_F(TextureOfFileTest, ASaveThatFindsNoRoomLeavesTheOlderFile) {
+    const Held<IDirect3DTexture9> texture = Texture(Noise(64, 64, 5));
+    const std::string path = folder.File("old.png", "yesterday's picture");
+    const auto save = [&] {
+        return D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, Level(texture), nullptr, nullptr);
+    };
+    rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small = {4096, before.rlim_max};
+    const auto old = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_TRUE(FAILED(save()));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, old);
+    EXPECT_EQ(Bytes(path), "yesterday's picture");
+    const auto files = std::filesystem::directory_iterator(folder.Path());
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "nothing is left beside it";
+
+    const std::string link = folder / "link.png";
+    std::filesystem::create_symlink("old.png", link);
+    EXPECT_EQ(D3D_OK,
+              D3DXSaveSurfaceToFileA(link.c_str(), D3DXIFF_PNG, Level(texture), nullptr, nullptr));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_TRUE(Same(Read(Load(path)), Noise(64, 64, 5)));
+    EXPECT_TRUE(
+        FAILED(D3DXSaveSurfaceToFileA("/dev/full", D3DXIFF_PNG, Level(texture), nullptr, nullptr)));
+    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
 }
 
 TEST_F(TextureOfFileTest, AMissingOrBrokenFileGivesAnErrorAndNull) {

@@ -2,6 +2,7 @@
 //
 // Surfaces to files. What a host cannot lock, such as the back buffer, is read by way of a surface
 // in the memory of the system.
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
 #include "platform/d3dx9/held.hpp"
 #include "platform/d3dx9/texture/dds_file.hpp"
@@ -9,10 +10,11 @@
 
 #include <d3dx9.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <new>
 #include <optional>
+#include <string>
 #include <system_error>
 
 using namespace VornPlatform;
@@ -78,18 +80,51 @@ Pixels Encode(D3DXIMAGE_FILEFORMAT type, UINT width, UINT height, Bytes bgra, bo
     return {};
 }
 
-/// A file that could not be written whole is gone again.
+bool WriteAndClose(std::FILE* file, const Pixels& bytes) {
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    return std::fclose(file) == 0 && written;
+}
+
+/// A new file beside the one of this path; nothing where there cannot be any.
+std::FILE* OpenBeside(const std::filesystem::path& path, std::filesystem::path& beside) {
+    constexpr int MostLeftBehind = 100; // by programs that were ended
+    for (int i = 0; i < MostLeftBehind; ++i) {
+        beside = path.parent_path() / (".part" + std::to_string(i));
+        std::FILE* file = std::fopen(beside.c_str(), "wbx");
+        if (file || errno != EEXIST)
+            return file;
+    }
+    return nullptr;
+}
+
+/// The older file stays until the new one is whole. What is no file, such as a pipe, is written to
+/// in its place.
 HRESULT WriteFile(const char* path, const Pixels& bytes) {
-    std::FILE* file = std::fopen(path, "wb");
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::file_status old = fs::status(path, error);
+    if (fs::exists(old) && !fs::is_regular_file(old)) {
+        std::FILE* file = std::fopen(path, "wb");
+        return file && WriteAndClose(file, bytes) ? D3D_OK : E_FAIL;
+    }
+    // A link goes on to lead to the picture.
+    fs::path target = fs::exists(old) ? fs::canonical(path, error) : fs::path(path);
+    if (error && fs::exists(old))
+        return E_FAIL;
+    fs::path beside;
+    std::FILE* file = OpenBeside(target, beside);
     if (!file)
         return E_FAIL;
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (std::fclose(file) == 0 && written)
-        return D3D_OK;
-    std::error_code error;
-    if (std::filesystem::is_regular_file(path, error))
-        std::filesystem::remove(path, error);
-    return E_FAIL;
+    bool done = WriteAndClose(file, bytes);
+    if (done) {
+        if (fs::exists(old))
+            fs::permissions(beside, old.permissions(), error);
+        fs::rename(beside, target, error);
+        done = !error;
+    }
+    if (!done)
+        fs::remove(beside, error);
+    return done ? D3D_OK : E_FAIL;
 }
 
 HRESULT Save(const char* path, D3DXIMAGE_FILEFORMAT type, IDirect3DSurface9& surface,
@@ -128,9 +163,5 @@ HRESULT D3DXSaveSurfaceToFileA(LPCSTR path, D3DXIMAGE_FILEFORMAT type, IDirect3D
     const CallScope call("D3DXSaveSurfaceToFileA", path, type, surface, rect);
     if (!path || !surface)
         return D3DERR_INVALIDCALL;
-    try {
-        return Save(path, type, *surface, rect);
-    } catch (const std::bad_alloc&) {
-        return D3DERR_OUTOFVIDEOMEMORY;
-    }
+    return Guarded([&] { return Save(path, type, *surface, rect); });
 }
