@@ -18,7 +18,8 @@ std::vector<std::byte> RawPixels(Surface& surface, const PixelFormat& format) {
     }
     std::vector<std::byte> pixels(std::size_t(pitch) * desc.Height);
     const RECT all = {0, 0, static_cast<LONG>(desc.Width), static_cast<LONG>(desc.Height)};
-    surface.Gpu()->Read(surface.Level(), all, pixels.data(), pitch);
+    if (!surface.Gpu()->Read(surface.Level(), all, pixels.data(), pitch))
+        pixels.clear();
     return pixels;
 }
 

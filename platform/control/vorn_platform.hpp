@@ -157,7 +157,7 @@ GpuObjects CountGpuObjects();
 /// Since the last Present, of all devices together.
 struct FrameCounters {
     int draws = 0; // that a host asked for and that drew something
-    int primitives = 0;
+    std::int64_t primitives = 0;
     int drawCalls = 0;    // of OpenGL
     int stateChanges = 0; // of OpenGL: programs, textures, targets, blending and the like
 };

@@ -4,7 +4,7 @@
 // rules of Direct3D that need no pixel (what is refused, counts, pools, states and their defaults)
 // are the device's; a backend gets valid arguments only.
 //
-//   std::unique_ptr<Backend> backend = MakeGlBackend(window);
+//   std::unique_ptr<Backend> backend = MakeGlBackend();
 //   auto texture = backend->CreateTexture({.width = 4, .height = 4, .format = D3DFMT_A8R8G8B8});
 //   texture->Write(0, {0, 0, 4, 4}, pixels, 16);
 //   backend->Draw(state, Changed::All, primitive);
@@ -35,8 +35,9 @@ public:
     virtual ~GpuTexture() = default;
     /// `pitch` is the distance of rows, or of rows of blocks (unit: bytes).
     virtual void Write(UINT level, const RECT& rect, const void* pixels, UINT pitch) = 0;
-    /// The bytes that Write takes; X bytes are 0xff. Not of compressed or depth formats.
-    virtual void Read(UINT level, const RECT& rect, void* pixels, UINT pitch) = 0;
+    /// The bytes that Write takes; X bytes are 0xff. False of compressed and depth formats, and
+    /// where the machine is gone.
+    virtual bool Read(UINT level, const RECT& rect, void* pixels, UINT pitch) = 0;
     /// All levels below the first, from the first.
     virtual void GenerateMips() = 0;
 };
@@ -58,10 +59,8 @@ struct Primitive {
     D3DPRIMITIVETYPE type = D3DPT_TRIANGLELIST;
     UINT count = 0; // of primitives, above 0
     bool indexed = false;
-    UINT start = 0; // the first index, or the first vertex
-    // With indices only: what is added to each, and the range that they stay in before that.
-    INT baseVertex = 0;
-    UINT minVertex = 0, vertexCount = 0;
+    UINT start = 0;     // the first index, or the first vertex
+    INT baseVertex = 0; // what is added to each index
     // Vertices in the host's memory, `stride` apart, in place of State::vertices; or null.
     const void* userVertices = nullptr;
     UINT userStride = 0;
@@ -84,8 +83,8 @@ public:
                          bool waitForDisplay) = 0;
 };
 
-/// Null if the machine has no OpenGL 4.5 for this window.
-std::unique_ptr<Backend> MakeGlBackend(HWND window);
+/// Null if the machine has no OpenGL 4.5.
+std::unique_ptr<Backend> MakeGlBackend();
 /// Needs no machine: textures and buffers keep what is written to them, Clear fills the target,
 /// draws leave the pixels alone.
 std::unique_ptr<Backend> MakeRecorderBackend();

@@ -7,7 +7,9 @@
 namespace VornPlatform {
 
 Buffer::Buffer(UINT size, DWORD usage, std::unique_ptr<GpuBuffer> gpu, Memory memory)
-    : mSize(size), mUsage(usage), mGpu(std::move(gpu)), mMemory(std::move(memory)) {}
+    : mSize(size), mUsage(usage), mGpu(std::move(gpu)), mMemory(std::move(memory)),
+      // What nobody writes reaches the machine too, as the zeros that it is in memory.
+      mWrittenEnd(mMemory ? size : 0) {}
 
 Buffer::~Buffer() {
     if (mLocked)

@@ -2,6 +2,7 @@
 #include "platform/d3d9/device.hpp"
 #include "platform/d3d9/counters.hpp"
 #include "platform/d3d9/faults.hpp"
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
 
 #include <utility>
@@ -11,41 +12,46 @@ namespace VornPlatform {
 Device::Device(Direct3D& direct3D, std::unique_ptr<Backend> backend, HWND window)
     : LiveObject(ObjectKind::Device), mBackend(std::move(backend)), mDirect3D(direct3D),
       mWindow(window) {
-    mDirect3D.Hold();
     AddDevice(*this);
+    mDirect3D.Hold();
 }
 
 Device::~Device() {
     RemoveDevice(*this);
-    if (mBackBuffer) {
-        UnbindAll();
+    UnbindAll();
+    if (mBackBuffer)
         mBackBuffer->Unbind();
+    if (mScreenDepth)
         mScreenDepth->Unbind();
-    }
+    if (mFullScreen)
+        ShowFullScreen(false);
     mDirect3D.LetGo();
 }
 
 HRESULT Device::Make(Direct3D& direct3D, std::unique_ptr<Backend> backend, HWND window,
                      const D3DPRESENT_PARAMETERS& filled, D3DPRESENT_PARAMETERS& parameters,
                      IDirect3DDevice9** device) {
-    auto* made = new Device(direct3D, std::move(backend), window);
+    struct Destroyer {
+        void operator()(Device* unfinished) const { delete unfinished; }
+    };
+    std::unique_ptr<Device, Destroyer> made(new Device(direct3D, std::move(backend), window));
     Screen screen;
-    if (!made->MakeScreen(filled, screen)) {
-        delete made;
-        return D3DERR_OUTOFVIDEOMEMORY;
-    }
-    using Use = PlainSurface::Use;
-    made->mBackBuffer =
-        new PlainSurface(*made, Use::OfDevice, screen.colorDesc, nullptr, std::nullopt);
-    made->mScreenDepth =
-        new PlainSurface(*made, Use::OfDevice, screen.depthDesc, nullptr, std::nullopt);
-    made->mBackBuffer->Bind();
-    made->mScreenDepth->Bind();
+    if (const HRESULT error = made->MakeScreen(filled, screen); FAILED(error))
+        return error;
+    const auto surface = [&made](const D3DSURFACE_DESC& desc) {
+        auto* part =
+            new PlainSurface(*made, PlainSurface::Use::OfDevice, desc, nullptr, std::nullopt);
+        part->Bind();
+        return part;
+    };
+    made->mBackBuffer = surface(screen.colorDesc);
+    made->mScreenDepth = surface(screen.depthDesc);
+    LayoutOfFvf(0); // makes them all, since SetFVF has no answer for want of memory
     made->TakeScreen(filled, std::move(screen));
     if (!filled.Windowed)
         made->ShowFullScreen(true);
     parameters = filled;
-    *device = made;
+    *device = made.release();
     return D3D_OK;
 }
 
@@ -108,10 +114,12 @@ HRESULT Device::Present(const RECT* src, const RECT* dst, HWND window, const voi
     if (mInScene || src || dst || dirtyRegion)
         return D3DERR_INVALIDCALL;
     const bool wait = mParameters.PresentationInterval != D3DPRESENT_INTERVAL_IMMEDIATE;
-    mBackend->Present(*mBackBuffer->Gpu(), mParameters.BackBufferWidth,
-                      mParameters.BackBufferHeight, window ? window : mWindow, wait);
-    BeginFrameCount();
-    return D3D_OK;
+    return Guarded([&] {
+        mBackend->Present(*mBackBuffer->Gpu(), mParameters.BackBufferWidth,
+                          mParameters.BackBufferHeight, window ? window : mWindow, wait);
+        BeginFrameCount();
+        return D3D_OK;
+    });
 }
 
 } // namespace VornPlatform

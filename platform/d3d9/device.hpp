@@ -124,8 +124,7 @@ private:
         D3DSURFACE_DESC colorDesc = {}, depthDesc = {};
         std::unique_ptr<GpuTexture> color, depth;
     };
-    /// Whether the machine has them.
-    bool MakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen);
+    HRESULT MakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen);
     void TakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen screen);
     void ShowFullScreen(bool fullScreen);
     void UnbindAll();
@@ -151,11 +150,16 @@ private:
     void FinishMips();
 
     bool MayDraw() const { return mInScene && mStatus == D3D_OK && mDepthFits; }
+    bool MayClear(DWORD flags, float z) const;
     HRESULT CheckDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const;
+    /// Vertices that a host hands over with a draw: as many as may be read.
+    bool IsInMemory(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
+                    UINT stride) const;
     /// That the bound vertices hold, from the offset on.
     UINT BoundVertices() const;
     void UploadBound();
-    void DrawChecked(const Primitive& primitive);
+    HRESULT DrawChecked(const Primitive& primitive);
+    void NoteDraw(const Primitive& primitive);
     void NoteTargetWritten() { mMipsAreOld = mTargetMakesMips; }
     void PrepareOverlay(Texture* texture);
 
@@ -173,6 +177,7 @@ private:
     bool mSomethingBehind = false;
     bool mDepthFits = true; // the depth buffer is not smaller than the target
     bool mTargetMakesMips = false;
+    bool mFullScreen = false; // the device has put its window there
     bool mMipsAreOld = false;
     std::array<bool, MaxLights> mLightIsSet = {};
 

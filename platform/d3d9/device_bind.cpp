@@ -2,6 +2,7 @@
 //
 // What draws use and go to. What is bound is kept, also when its host has let go of it.
 #include "platform/d3d9/device.hpp"
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
 
 #include <utility>
@@ -104,6 +105,8 @@ HRESULT Device::SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UIN
                                 UINT stride) {
     const CallScope call("SetStreamSource", stream, buffer, offset, stride);
     auto* ours = static_cast<VertexBuffer*>(buffer);
+    if (!ours && stream > 0 && stream < MaxStreams)
+        return D3D_OK; // nothing is there, and nothing stays
     if (stream != 0 || (ours && (!ours->IsOf(*this) || stride > MaxStride)))
         return D3DERR_INVALIDCALL;
     if (!ours)
@@ -159,6 +162,8 @@ void Device::FinishMips() {
 HRESULT Device::SetRenderTarget(DWORD index, IDirect3DSurface9* surface) {
     const CallScope call("SetRenderTarget", index, surface);
     auto* ours = static_cast<Surface*>(surface);
+    if (!ours && index > 0 && index < MaxTargets)
+        return D3D_OK; // nothing is there, and nothing stays
     if (index != 0 || !ours || !ours->Owner().IsOf(*this) || !ours->IsTarget() ||
         ours->Level() != 0)
         return D3DERR_INVALIDCALL;
@@ -215,8 +220,11 @@ HRESULT Device::GetRenderTargetData(IDirect3DSurface9* target, IDirect3DSurface9
     if (mStatus != D3D_OK)
         return D3DERR_DEVICELOST;
     const RECT all = {0, 0, static_cast<LONG>(have.Width), static_cast<LONG>(have.Height)};
-    from->Gpu()->Read(from->Level(), all, to->Memory()->At(0, 0), to->Memory()->Pitch());
-    return D3D_OK;
+    return Guarded([&] {
+        const bool read =
+            from->Gpu()->Read(from->Level(), all, to->Memory()->At(0, 0), to->Memory()->Pitch());
+        return read ? D3D_OK : D3DERR_DRIVERINTERNALERROR;
+    });
 }
 
 } // namespace VornPlatform

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3d9/counters.hpp"
 #include "platform/d3d9/device.hpp"
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
 
 #include <algorithm>
@@ -35,19 +36,14 @@ RECT Cut(const RECT& a, const D3DRECT& b) {
             std::min(a.bottom, b.y2)};
 }
 
-bool IsDepth(float z) {
-    return z >= 0 && z <= 1; // no NaN either
-}
-
 } // namespace
 
 HRESULT Device::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z,
                       DWORD stencil) {
-    const CallScope call("Clear", count, RectRows{rects, count}, flags, color, z, stencil);
-    constexpr DWORD Known = D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER;
-    const bool depth = flags & D3DCLEAR_ZBUFFER;
-    if (mStatus != D3D_OK || flags == 0 || (flags & ~Known) || (count > 0) != (rects != nullptr) ||
-        (depth && (!mState.target.depth || !IsDepth(z))))
+    const bool sound = MayClear(flags, z) && (count > 0) == (rects != nullptr);
+    const CallScope call("Clear", count, RectRows{rects, sound ? count : 0}, flags, color, z,
+                         stencil);
+    if (mStatus != D3D_OK || !sound)
         return D3DERR_INVALIDCALL;
     const RECT viewport = ViewportRect(mState.viewport);
     const auto clear = [&](const RECT& rect) {
@@ -56,20 +52,39 @@ HRESULT Device::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR c
         mBackend->Clear(mState.target, rect, flags, color, z);
         NoteTargetWritten();
     };
-    if (!rects)
-        clear(viewport);
-    for (DWORD i = 0; rects && i < count; ++i)
-        clear(Cut(viewport, rects[i]));
-    return D3D_OK;
+    return Guarded([&] {
+        if (!rects)
+            clear(viewport);
+        for (DWORD i = 0; rects && i < count; ++i)
+            clear(Cut(viewport, rects[i]));
+        return D3D_OK;
+    });
+}
+
+bool Device::MayClear(DWORD flags, float z) const {
+    constexpr DWORD Known = D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL;
+    if (flags == 0 || (flags & ~Known))
+        return false;
+    if ((flags & D3DCLEAR_ZBUFFER) && (!mState.target.depth || !IsDepthValue(z)))
+        return false;
+    return !(flags & D3DCLEAR_STENCIL) ||
+           (mState.target.depth && mDepth->Desc().Format == D3DFMT_D24S8);
 }
 
 // --- draws
 
 HRESULT Device::CheckDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const {
-    if (!MayDraw() || type < D3DPT_POINTLIST || type > D3DPT_TRIANGLESTRIP ||
+    if (!MayDraw() || type < D3DPT_POINTLIST || type > D3DPT_TRIANGLEFAN ||
         primitiveCount > MaxPrimitives || !mLayout || !mLayout->hasPosition)
         return D3DERR_INVALIDCALL;
     return D3D_OK;
+}
+
+bool Device::IsInMemory(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
+                        UINT stride) const {
+    return vertices && mLayout && stride >= mLayout->size && stride <= MaxStride &&
+           primitiveCount <= MaxPrimitives &&
+           VerticesOf(type, primitiveCount) * stride <= MaxBufferSize;
 }
 
 UINT Device::BoundVertices() const {
@@ -91,19 +106,15 @@ HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT
     const UINT indexBytes = mState.wideIndices ? 4 : 2;
     const std::uint64_t indexEnd = startIndex + VerticesOf(type, primitiveCount);
     const std::int64_t first = std::int64_t(baseVertex) + minVertex;
-    const UINT vertices = BoundVertices();
     if (mVertices->content.IsLocked() || mIndices->content.IsLocked() ||
         indexEnd > mIndices->content.Size() / indexBytes || vertexCount == 0 || first < 0 ||
-        first >= vertices)
+        first >= BoundVertices())
         return D3DERR_INVALIDCALL;
-    // The range is a hint, and hosts take it wide: it ends where the buffer does.
+    // Where the range ends is a hint, and hosts take it wide.
     Primitive primitive = {.type = type, .count = primitiveCount, .indexed = true};
     primitive.start = startIndex;
     primitive.baseVertex = baseVertex;
-    primitive.minVertex = minVertex;
-    primitive.vertexCount = std::min(vertexCount, vertices - static_cast<UINT>(first));
-    DrawChecked(primitive);
-    return D3D_OK;
+    return DrawChecked(primitive);
 }
 
 HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT startVertex, UINT primitiveCount) {
@@ -117,30 +128,30 @@ HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT startVertex, UINT prim
         return D3DERR_INVALIDCALL;
     Primitive primitive = {.type = type, .count = primitiveCount};
     primitive.start = startVertex;
-    DrawChecked(primitive);
-    return D3D_OK;
+    return DrawChecked(primitive);
 }
 
 HRESULT Device::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
                                 UINT stride) {
-    const VertexRows rows = {vertices, VerticesOf(type, primitiveCount), stride,
-                             mLayout ? mLayout->format.elements.data() : nullptr,
-                             mLayout ? mLayout->format.elements.size() : 0};
+    const bool inMemory = IsInMemory(type, primitiveCount, vertices, stride);
+    VertexRows rows = {.values = vertices};
+    if (inMemory)
+        rows = {vertices, VerticesOf(type, primitiveCount), stride, mLayout->format.elements.data(),
+                mLayout->format.elements.size()};
     const CallScope call("DrawPrimitiveUP", type, primitiveCount, rows, stride);
-    if (FAILED(CheckDraw(type, primitiveCount)) || !vertices || stride < mLayout->size ||
-        stride > MaxStride)
+    if (!inMemory || FAILED(CheckDraw(type, primitiveCount)))
         return D3DERR_INVALIDCALL;
     if (primitiveCount == 0)
         return D3D_OK;
     Primitive primitive = {.type = type, .count = primitiveCount};
     primitive.userVertices = vertices;
     primitive.userStride = stride;
-    DrawChecked(primitive);
-    return SetStreamSource(0, nullptr, 0, 0);
+    const HRESULT result = DrawChecked(primitive);
+    SetStreamSource(0, nullptr, 0, 0);
+    return result;
 }
 
 void Device::UploadBound() {
-    mSomethingBehind = false;
     for (Texture* texture : mTextures)
         if (texture && texture->IsBehind())
             texture->Upload();
@@ -148,16 +159,24 @@ void Device::UploadBound() {
         mVertices->content.Upload();
     if (mIndices && mIndices->content.IsBehind())
         mIndices->content.Upload();
+    mSomethingBehind = false;
 }
 
-void Device::DrawChecked(const Primitive& primitive) {
-    if (mSomethingBehind)
-        UploadBound();
-    mBackend->Draw(mState, mChanged, primitive);
-    mChanged = 0;
+HRESULT Device::DrawChecked(const Primitive& primitive) {
+    return Guarded([&] {
+        if (mSomethingBehind)
+            UploadBound();
+        mBackend->Draw(mState, mChanged, primitive);
+        mChanged = 0;
+        NoteDraw(primitive);
+        return D3D_OK;
+    });
+}
+
+void Device::NoteDraw(const Primitive& primitive) {
     NoteTargetWritten();
     ++frameCount.draws;
-    frameCount.primitives += static_cast<int>(primitive.count);
+    frameCount.primitives += primitive.count;
 }
 
 // --- overlay
@@ -166,7 +185,6 @@ void Device::PrepareOverlay(Texture* texture) {
     State& state = mOverlay;
     const D3DVIEWPORT9& v = mState.viewport;
     state.target = mState.target;
-    state.target.depth = nullptr;
     state.viewport = {v.X, v.Y, v.Width, v.Height, 0, 1};
 
     // From pixels of the target to the viewport. That centres lie at whole numbers is the
@@ -208,22 +226,24 @@ HRESULT Device::DrawOverlay(const OverlayVertex* vertices, UINT count, IDirect3D
         D3DCOLOR color;
         float u, v;
     };
-    std::vector<Vertex> list(count);
-    std::transform(vertices, vertices + count, list.begin(), [](const OverlayVertex& vertex) {
-        return Vertex{vertex.x, vertex.y, 0, vertex.color, vertex.u, vertex.v};
+    if (std::uint64_t(count) * sizeof(Vertex) > MaxBufferSize)
+        return D3DERR_INVALIDCALL;
+    return Guarded([&] {
+        std::vector<Vertex> list(count);
+        std::transform(vertices, vertices + count, list.begin(), [](const OverlayVertex& vertex) {
+            return Vertex{vertex.x, vertex.y, 0, vertex.color, vertex.u, vertex.v};
+        });
+        if (ours && ours->IsBehind())
+            ours->Upload();
+        PrepareOverlay(ours);
+        Primitive primitive = {.type = D3DPT_TRIANGLELIST, .count = count / 3};
+        primitive.userVertices = list.data();
+        primitive.userStride = sizeof(Vertex);
+        mChanged = Changed::All;
+        mBackend->Draw(mOverlay, Changed::All, primitive);
+        NoteDraw(primitive);
+        return D3D_OK;
     });
-    if (ours && ours->IsBehind())
-        ours->Upload();
-    PrepareOverlay(ours);
-    Primitive primitive = {.type = D3DPT_TRIANGLELIST, .count = count / 3};
-    primitive.userVertices = list.data();
-    primitive.userStride = sizeof(Vertex);
-    mBackend->Draw(mOverlay, Changed::All, primitive);
-    mChanged = Changed::All;
-    NoteTargetWritten();
-    ++frameCount.draws;
-    frameCount.primitives += static_cast<int>(primitive.count);
-    return D3D_OK;
 }
 
 } // namespace VornPlatform

@@ -3,6 +3,7 @@
 // The device's own surfaces, what it starts with, and how it is put back to that.
 #include "platform/d3d9/device.hpp"
 #include "platform/d3d9/faults.hpp"
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/present_parameters.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
 #include "platform/window/window.hpp"
@@ -37,19 +38,24 @@ HRESULT Device::Reset(D3DPRESENT_PARAMETERS* parameters) {
     };
     if (const auto fault = TakeResetFault())
         return fail(*fault);
+    // The device's own window may be gone: drawing and reading back go on.
     const HWND window = parameters->hDeviceWindow ? parameters->hDeviceWindow : mWindow;
+    if (window != mWindow && !LiveWindow(window))
+        return fail(D3DERR_INVALIDCALL);
     const auto filled = FillParameters(*parameters, window);
     if (!filled)
-        return D3DERR_INVALIDCALL;
+        return fail(D3DERR_INVALIDCALL);
     if (mStatus == D3DERR_DEVICELOST)
         return mStatus;
     if (mInTheWay > 0)
         return fail(D3DERR_INVALIDCALL);
     Screen screen;
-    if (!MakeScreen(*filled, screen))
-        return fail(D3DERR_OUTOFVIDEOMEMORY);
+    if (const HRESULT error = MakeScreen(*filled, screen); FAILED(error))
+        return fail(error);
 
     UnbindAll();
+    if (window != mWindow && mFullScreen)
+        ShowFullScreen(false);
     mWindow = window;
     mStatus = D3D_OK;
     TakeScreen(*filled, std::move(screen));
@@ -58,15 +64,19 @@ HRESULT Device::Reset(D3DPRESENT_PARAMETERS* parameters) {
     return D3D_OK;
 }
 
-bool Device::MakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen) {
+HRESULT Device::MakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen) {
+    const bool hasDepth = parameters.EnableAutoDepthStencil != FALSE;
     screen.colorDesc = ScreenDesc(parameters, parameters.BackBufferFormat, D3DUSAGE_RENDERTARGET);
-    screen.color = MakeTarget(screen.colorDesc);
-    if (!screen.color || !parameters.EnableAutoDepthStencil)
-        return screen.color != nullptr;
-    screen.depthDesc =
-        ScreenDesc(parameters, parameters.AutoDepthStencilFormat, D3DUSAGE_DEPTHSTENCIL);
-    screen.depth = MakeTarget(screen.depthDesc);
-    return screen.depth != nullptr;
+    if (hasDepth)
+        screen.depthDesc =
+            ScreenDesc(parameters, parameters.AutoDepthStencilFormat, D3DUSAGE_DEPTHSTENCIL);
+    return Guarded([&] {
+        screen.color = MakeTarget(screen.colorDesc);
+        if (screen.color && hasDepth)
+            screen.depth = MakeTarget(screen.depthDesc);
+        const bool whole = screen.color && (screen.depth || !hasDepth);
+        return whole ? D3D_OK : D3DERR_OUTOFVIDEOMEMORY;
+    });
 }
 
 void Device::TakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen screen) {
@@ -78,6 +88,8 @@ void Device::TakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen screen) 
 
 void Device::ShowFullScreen(bool fullScreen) {
     HWND__* window = LiveWindow(mWindow);
+    // What is there by its style is not the device's to end.
+    mFullScreen = fullScreen && (mFullScreen || (window && !window->fullScreen));
     if (!window || window->lost)
         return;
     if (fullScreen)

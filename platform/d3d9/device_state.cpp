@@ -105,10 +105,9 @@ HRESULT Device::SetViewport(const D3DVIEWPORT9* viewport) {
     const auto isPart = [](DWORD begin, DWORD size, UINT whole) {
         return size > 0 && size <= whole && begin <= whole - size;
     };
-    const auto isDepth = [](float z) { return z >= 0 && z <= 1; };
     const D3DSURFACE_DESC& target = mTarget->Desc();
     if (!isPart(v.X, v.Width, target.Width) || !isPart(v.Y, v.Height, target.Height) ||
-        !isDepth(v.MinZ) || !isDepth(v.MaxZ))
+        !IsDepthValue(v.MinZ) || !IsDepthValue(v.MaxZ))
         return D3DERR_INVALIDCALL;
     StoreViewport(v);
     return D3D_OK;
@@ -188,11 +187,13 @@ Device::Slot Device::RenderStateSlot(D3DRENDERSTATETYPE state) {
     case D3DRS_ALPHABLENDENABLE:
         return {&mState.blend.enable, Changed::Blend, FALSE, TRUE};
     case D3DRS_SRCBLEND:
-        return {&mState.blend.source, Changed::Blend, D3DBLEND_ZERO, D3DBLEND_SRCALPHASAT};
+        return {&mState.blend.source, Changed::Blend, D3DBLEND_ZERO, D3DBLEND_INVBLENDFACTOR};
     case D3DRS_DESTBLEND:
-        return {&mState.blend.destination, Changed::Blend, D3DBLEND_ZERO, D3DBLEND_SRCALPHASAT};
+        return {&mState.blend.destination, Changed::Blend, D3DBLEND_ZERO, D3DBLEND_INVBLENDFACTOR};
     case D3DRS_BLENDOP:
         return {&mState.blend.operation, Changed::Blend, D3DBLENDOP_ADD, D3DBLENDOP_MAX};
+    case D3DRS_BLENDFACTOR:
+        return {&mState.blend.factor, Changed::Blend};
     case D3DRS_COLORWRITEENABLE:
         return {&mState.blend.writeMask, Changed::Blend};
     case D3DRS_LIGHTING:
@@ -276,15 +277,15 @@ Device::Slot Device::SamplerSlot(DWORD sampler, D3DSAMPLERSTATETYPE type) {
     Sampler& states = mState.samplers[sampler];
     switch (type) {
     case D3DSAMP_ADDRESSU:
-        return {&states.addressU, Changed::Samplers, D3DTADDRESS_WRAP, D3DTADDRESS_BORDER};
+        return {&states.addressU, Changed::Samplers, D3DTADDRESS_WRAP, D3DTADDRESS_MIRRORONCE};
     case D3DSAMP_ADDRESSV:
-        return {&states.addressV, Changed::Samplers, D3DTADDRESS_WRAP, D3DTADDRESS_BORDER};
+        return {&states.addressV, Changed::Samplers, D3DTADDRESS_WRAP, D3DTADDRESS_MIRRORONCE};
     case D3DSAMP_BORDERCOLOR:
         return {&states.border, Changed::Samplers};
     case D3DSAMP_MAGFILTER:
-        return {&states.magFilter, Changed::Samplers, D3DTEXF_POINT, D3DTEXF_LINEAR};
+        return {&states.magFilter, Changed::Samplers, D3DTEXF_POINT, D3DTEXF_ANISOTROPIC};
     case D3DSAMP_MINFILTER:
-        return {&states.minFilter, Changed::Samplers, D3DTEXF_POINT, D3DTEXF_LINEAR};
+        return {&states.minFilter, Changed::Samplers, D3DTEXF_POINT, D3DTEXF_ANISOTROPIC};
     case D3DSAMP_MIPFILTER:
         return {&states.mipFilter, Changed::Samplers, D3DTEXF_NONE, D3DTEXF_LINEAR};
     default:

@@ -2,6 +2,7 @@
 #include "platform/d3d9/direct3d.hpp"
 #include "platform/d3d9/device.hpp"
 #include "platform/d3d9/faults.hpp"
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/present_parameters.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
 #include "platform/window/window.hpp"
@@ -15,12 +16,14 @@ namespace VornPlatform {
 namespace {
 
 // Where vertices are processed: a device is made for exactly one of them. All are the same here.
-constexpr DWORD VertexProcessing = 0x20 | D3DCREATE_HARDWARE_VERTEXPROCESSING | 0x80;
+constexpr DWORD VertexProcessing = D3DCREATE_SOFTWARE_VERTEXPROCESSING |
+                                   D3DCREATE_HARDWARE_VERTEXPROCESSING |
+                                   D3DCREATE_MIXED_VERTEXPROCESSING;
 
 std::unique_ptr<Backend> MakeBackend(HWND window) {
     if (RecorderIsUsed())
         return MakeRecorderBackend();
-    return window ? MakeGlBackend(window) : nullptr;
+    return window ? MakeGlBackend() : nullptr;
 }
 
 } // namespace
@@ -47,7 +50,7 @@ ULONG Direct3D::LetGo() {
 HRESULT Direct3D::CreateDevice(UINT adapter, D3DDEVTYPE type, HWND window, DWORD flags,
                                D3DPRESENT_PARAMETERS* parameters, IDirect3DDevice9** device) {
     const CallScope call("CreateDevice", adapter, type, window, flags, parameters);
-    if (adapter != 0 || type != D3DDEVTYPE_HAL || !parameters || !device ||
+    if (adapter != D3DADAPTER_DEFAULT || type != D3DDEVTYPE_HAL || !parameters || !device ||
         !std::has_single_bit(flags & VertexProcessing))
         return D3DERR_INVALIDCALL;
     const HWND target = parameters->hDeviceWindow ? parameters->hDeviceWindow : window;
@@ -56,14 +59,16 @@ HRESULT Direct3D::CreateDevice(UINT adapter, D3DDEVTYPE type, HWND window, DWORD
     const auto filled = FillParameters(*parameters, target);
     if (!filled)
         return D3DERR_INVALIDCALL;
-    std::unique_ptr<Backend> backend = MakeBackend(target);
-    if (!backend)
-        return D3DERR_NOTAVAILABLE;
-    return Device::Make(*this, std::move(backend), target, *filled, *parameters, device);
+    return Guarded([&] {
+        std::unique_ptr<Backend> backend = MakeBackend(target);
+        if (!backend)
+            return D3DERR_NOTAVAILABLE;
+        return Device::Make(*this, std::move(backend), target, *filled, *parameters, device);
+    });
 }
 
 } // namespace VornPlatform
 
 IDirect3D9* Direct3DCreate9(UINT sdkVersion) {
-    return sdkVersion == D3D_SDK_VERSION ? new VornPlatform::Direct3D : nullptr;
+    return sdkVersion == D3D_SDK_VERSION ? new (std::nothrow) VornPlatform::Direct3D : nullptr;
 }

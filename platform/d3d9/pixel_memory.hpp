@@ -28,6 +28,7 @@ public:
     /// What was written and unlocked; empty if nothing was.
     const RECT& Written() const { return mWritten; }
     bool IsWritten() const { return mWritten.right > mWritten.left; }
+    void NoteAllWritten() { mWritten = {0, 0, mWidth, mHeight}; }
     void ForgetWritten() { mWritten = {}; }
 
 private:

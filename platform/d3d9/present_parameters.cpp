@@ -10,10 +10,6 @@ namespace {
 
 constexpr UINT MostBackBuffers = 3;
 
-bool IsSize(UINT side) {
-    return side > 0 && side <= MaxTextureSize;
-}
-
 bool IsDepthFormat(D3DFORMAT format) {
     const PixelFormat* known = FindPixelFormat(format);
     return known && known->use == PixelUse::Depth;
@@ -25,7 +21,7 @@ bool MakesSense(const D3DPRESENT_PARAMETERS& p) {
     const bool interval = p.PresentationInterval == D3DPRESENT_INTERVAL_DEFAULT ||
                           p.PresentationInterval == D3DPRESENT_INTERVAL_ONE ||
                           p.PresentationInterval == D3DPRESENT_INTERVAL_IMMEDIATE;
-    return IsSize(p.BackBufferWidth) && IsSize(p.BackBufferHeight) && format &&
+    return IsTextureSize(p.BackBufferWidth, p.BackBufferHeight) && format &&
            p.BackBufferCount <= MostBackBuffers && p.MultiSampleType == D3DMULTISAMPLE_NONE &&
            p.SwapEffect == D3DSWAPEFFECT_DISCARD &&
            (!p.EnableAutoDepthStencil || IsDepthFormat(p.AutoDepthStencilFormat)) && interval;

@@ -53,6 +53,7 @@ struct BlendState {
     DWORD source = D3DBLEND_ONE;
     DWORD destination = D3DBLEND_ZERO;
     DWORD operation = D3DBLENDOP_ADD;
+    D3DCOLOR factor = 0xffffffff;
     DWORD writeMask = 0xf; // bit 0 red, 1 green, 2 blue, 3 alpha
 };
 struct AlphaTest {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3d9/texture.hpp"
 #include "platform/d3d9/device.hpp"
+#include "platform/d3d9/guarded.hpp"
 
 #include <utility>
 
@@ -9,7 +10,12 @@ namespace VornPlatform {
 Texture::Texture(Device& device, Parts parts)
     : CountedChild(device, ObjectKind::Texture,
                    parts.desc.Pool == D3DPOOL_DEFAULT ? Resets::IsInTheWay : Resets::Survives),
-      mParts(std::move(parts)), mLevels(mParts.levels) {}
+      mParts(std::move(parts)), mLevels(mParts.levels) {
+    // What nobody writes reaches the machine too, as the zeros that it is in memory.
+    for (PixelMemory& memory : mParts.memory)
+        memory.NoteAllWritten();
+    mBehind = mParts.gpu && !mParts.memory.empty();
+}
 
 Texture::~Texture() = default;
 
@@ -30,9 +36,11 @@ HRESULT Texture::GetSurfaceLevel(UINT level, IDirect3DSurface9** surface) {
     const CallScope call("GetSurfaceLevel", level);
     if (level >= mParts.levels || !surface)
         return D3DERR_INVALIDCALL;
-    *surface = &LevelObject(level);
-    Hold();
-    return D3D_OK;
+    return Guarded([&] {
+        *surface = &LevelObject(level);
+        Hold();
+        return D3D_OK;
+    });
 }
 
 HRESULT Texture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
@@ -62,7 +70,6 @@ void Texture::OnWritten() {
 }
 
 void Texture::Upload() {
-    mBehind = false;
     bool any = false;
     for (UINT level = 0; level < mParts.memory.size(); ++level) {
         PixelMemory& memory = mParts.memory[level];
@@ -75,6 +82,7 @@ void Texture::Upload() {
     }
     if (any && MakesMips())
         mParts.gpu->GenerateMips();
+    mBehind = false;
 }
 
 D3DSURFACE_DESC Texture::LevelDesc(UINT level) const {

@@ -65,6 +65,7 @@ FvfLayouts MakeFvfLayouts() {
 }
 
 bool IsKnown(const D3DVERTEXELEMENT9& element) {
+    // The end mark is of another stream.
     return element.Stream == 0 && element.Type < TypeSizes.size() && element.Offset % 4 == 0 &&
            element.Offset + TypeSizes[element.Type] <= MaxStride &&
            element.Method == D3DDECLMETHOD_DEFAULT && element.Usage <= LastUsage &&
@@ -85,20 +86,23 @@ const VertexLayout* LayoutOfFvf(DWORD fvf) {
     return rest == D3DFVF_XYZ ? &layouts[choice] : nullptr;
 }
 
+std::size_t CountSound(const D3DVERTEXELEMENT9* elements) {
+    std::size_t count = 0;
+    const auto isSame = [&](const D3DVERTEXELEMENT9& other) {
+        return other.Usage == elements[count].Usage &&
+               other.UsageIndex == elements[count].UsageIndex;
+    };
+    while (count < MaxElements && IsKnown(elements[count]) &&
+           std::none_of(elements, elements + count, isSame))
+        ++count;
+    return count;
+}
+
 std::optional<VertexLayout> LayoutOfElements(const D3DVERTEXELEMENT9* elements) {
-    std::vector<D3DVERTEXELEMENT9> kept;
-    for (const D3DVERTEXELEMENT9* element = elements; element->Stream != EndStream; ++element) {
-        const auto isSame = [element](const D3DVERTEXELEMENT9& other) {
-            return other.Usage == element->Usage && other.UsageIndex == element->UsageIndex;
-        };
-        if (kept.size() == MaxElements || !IsKnown(*element) ||
-            std::any_of(kept.begin(), kept.end(), isSame))
-            return std::nullopt;
-        kept.push_back(*element);
-    }
-    if (kept.empty())
+    const std::size_t count = CountSound(elements);
+    if (count == 0 || elements[count].Stream != EndStream)
         return std::nullopt;
-    return MakeLayout(0, std::move(kept));
+    return MakeLayout(0, {elements, elements + count});
 }
 
 } // namespace VornPlatform

@@ -20,6 +20,9 @@ struct VertexLayout {
 /// and one pair of texture coordinates.
 const VertexLayout* LayoutOfFvf(DWORD fvf);
 
+/// How many elements of a list stand before its end mark, or before one that is refused: behind
+/// that, nothing may be read.
+std::size_t CountSound(const D3DVERTEXELEMENT9* elements);
 /// Of a list with its end mark. Nothing if it is too long or names what there is not: other streams
 /// than the first, types and methods that we lack, an element twice.
 std::optional<VertexLayout> LayoutOfElements(const D3DVERTEXELEMENT9* elements);

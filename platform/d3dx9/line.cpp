@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Lines of D3DX, drawn as triangles over what is there.
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/limits.hpp"
 #include "platform/d3dx9/device_object.hpp"
 #include "platform/d3dx9/line_shape.hpp"
@@ -17,14 +18,15 @@ public:
     explicit Line(IDirect3DDevice9* device) : DeviceObject(ObjectKind::Line, device) {}
 
     HRESULT Draw(const D3DXVECTOR2* points, DWORD count, D3DCOLOR color) override {
-        const CallScope call("Draw", FloatRows{points ? &points->x : nullptr, count, 2}, count,
-                             color);
+        const bool sound = count >= 2 && count <= MaxPrimitives;
+        const FloatRows rows = {points ? &points->x : nullptr, sound ? count : 0, 2};
+        const CallScope call("Draw", rows, count, color);
         if (count < 2)
             return D3D_OK;
         auto* overlay = dynamic_cast<Overlay*>(&Device());
-        if (!points || !overlay)
+        if (!points || !overlay || !sound)
             return D3DERR_INVALIDCALL;
-        try {
+        return Guarded([&]() -> HRESULT {
             const auto vertices = LineVertices(points, count, mStyle, color);
             if (vertices.empty())
                 return D3D_OK;
@@ -32,9 +34,7 @@ public:
                 return D3DERR_INVALIDCALL;
             return overlay->DrawOverlay(vertices.data(), static_cast<UINT>(vertices.size()),
                                         nullptr);
-        } catch (const std::bad_alloc&) {
-            return D3DERR_OUTOFVIDEOMEMORY;
-        }
+        });
     }
 
     HRESULT SetWidth(float width) override {

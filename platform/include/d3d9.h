@@ -68,7 +68,8 @@ enum D3DPRIMITIVETYPE : DWORD {
     D3DPT_LINELIST = 2,
     D3DPT_LINESTRIP = 3,
     D3DPT_TRIANGLELIST = 4,
-    D3DPT_TRIANGLESTRIP = 5
+    D3DPT_TRIANGLESTRIP = 5,
+    D3DPT_TRIANGLEFAN = 6
 };
 enum D3DTRANSFORMSTATETYPE : DWORD {
     D3DTS_VIEW = 2,
@@ -91,7 +92,8 @@ enum D3DRENDERSTATETYPE : DWORD {
     D3DRS_LIGHTING = 137,
     D3DRS_AMBIENT = 139,
     D3DRS_COLORWRITEENABLE = 168,
-    D3DRS_BLENDOP = 171
+    D3DRS_BLENDOP = 171,
+    D3DRS_BLENDFACTOR = 193
 };
 enum D3DTEXTURESTAGESTATETYPE : DWORD {
     D3DTSS_COLOROP = 1,
@@ -114,10 +116,12 @@ enum : DWORD {
     D3DTEXF_NONE = 0,
     D3DTEXF_POINT = 1,
     D3DTEXF_LINEAR = 2,
+    D3DTEXF_ANISOTROPIC = 3, // as LINEAR
     D3DTADDRESS_WRAP = 1,
     D3DTADDRESS_MIRROR = 2,
     D3DTADDRESS_CLAMP = 3,
     D3DTADDRESS_BORDER = 4,
+    D3DTADDRESS_MIRRORONCE = 5,
     D3DFILL_POINT = 1,
     D3DFILL_WIREFRAME = 2,
     D3DFILL_SOLID = 3,
@@ -143,6 +147,10 @@ enum : DWORD {
     D3DBLEND_DESTCOLOR = 9,
     D3DBLEND_INVDESTCOLOR = 10,
     D3DBLEND_SRCALPHASAT = 11,
+    D3DBLEND_BOTHSRCALPHA = 12,
+    D3DBLEND_BOTHINVSRCALPHA = 13,
+    D3DBLEND_BLENDFACTOR = 14,
+    D3DBLEND_INVBLENDFACTOR = 15,
     D3DBLENDOP_ADD = 1,
     D3DBLENDOP_SUBTRACT = 2,
     D3DBLENDOP_REVSUBTRACT = 3,
@@ -162,6 +170,7 @@ enum : DWORD {
     D3DTA_TEXTURE = 2,
     D3DCLEAR_TARGET = 1,
     D3DCLEAR_ZBUFFER = 2,
+    D3DCLEAR_STENCIL = 4, // of a D24S8 buffer only, and without effect
     D3DUSAGE_RENDERTARGET = 1,
     D3DUSAGE_DEPTHSTENCIL = 2,
     D3DUSAGE_WRITEONLY = 8,
@@ -174,7 +183,10 @@ enum : DWORD {
     D3DFVF_NORMAL = 0x10,
     D3DFVF_DIFFUSE = 0x40,
     D3DFVF_TEX1 = 0x100,
+    D3DCREATE_SOFTWARE_VERTEXPROCESSING = 0x20, // the three are alike here
     D3DCREATE_HARDWARE_VERTEXPROCESSING = 0x40,
+    D3DCREATE_MIXED_VERTEXPROCESSING = 0x80,
+    D3DADAPTER_DEFAULT = 0,
     D3DPRESENT_INTERVAL_DEFAULT = 0,
     D3DPRESENT_INTERVAL_ONE = 1,
     D3DPRESENT_INTERVAL_IMMEDIATE = 0x80000000u,
@@ -319,8 +331,9 @@ struct IDirect3DDevice9 : IUnknown {
     /// D3D_OK, or D3DERR_DEVICELOST, or D3DERR_DEVICENOTRESET: then Reset brings the device back.
     virtual HRESULT TestCooperativeLevel() = 0;
     /// Puts every state back to its default, unbinds everything and ends an open scene. Refused
-    /// with D3DERR_INVALIDCALL while an object of the default pool lives that a host holds; the
-    /// device is D3DERR_DEVICENOTRESET then, until a Reset succeeds.
+    /// with D3DERR_INVALIDCALL while an object of the default pool lives that a host holds. After
+    /// any that fails the device is D3DERR_DEVICENOTRESET, until a Reset succeeds; one to null
+    /// changes nothing.
     virtual HRESULT Reset(D3DPRESENT_PARAMETERS*) = 0;
     virtual HRESULT Present(const RECT* src, const RECT* dst, HWND window,
                             const void* dirtyRegion) = 0;

@@ -68,6 +68,7 @@ enum D3DXIMAGE_FILEFORMAT : DWORD {
     D3DXIFF_DDS = 4
 };
 enum : DWORD { D3DX_FILTER_NONE = 1 };
+#define D3DX_DEFAULT ((UINT)-1)
 struct ID3DXFont : IUnknown {
     /// `text` is UTF-8, `count` its bytes, or -1 up to its NUL; a NUL ends it in any case. Drawn in
     /// screen pixels of the target, clipped to the rectangle unless DT_NOCLIP is given, and to the
@@ -107,7 +108,7 @@ struct ID3DXRenderToSurface : IUnknown {
 /// alpha; greys L8 or A8L8. A file that is cut off is refused whole.
 HRESULT D3DXCreateTextureFromFileA(IDirect3DDevice9*, LPCSTR path, IDirect3DTexture9**);
 /// 0 levels, or more than there are, means all down to 1 by 1; a side of 0 counts as 1, the format
-/// 0 as A8R8G8B8.
+/// 0 as A8R8G8B8. A side of D3DX_DEFAULT is as long as the other, both are 256.
 HRESULT D3DXCreateTexture(IDirect3DDevice9*, UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT,
                           D3DPOOL, IDirect3DTexture9**);
 HRESULT D3DXCreateRenderToSurface(IDirect3DDevice9*, UINT w, UINT h, D3DFORMAT, BOOL depth,
@@ -120,7 +121,8 @@ HRESULT D3DXCreateFontA(IDirect3DDevice9*, INT height, UINT width, UINT weight, 
                         DWORD pitchAndFamily, LPCSTR face, ID3DXFont**);
 HRESULT D3DXCreateLine(IDirect3DDevice9*, ID3DXLine**);
 /// BMP, JPG, TGA, PNG and DDS; `rect` null means all. Surfaces without alpha, and all JPGs, become
-/// files of 24 bits. A file that cannot be written whole is not left behind.
+/// files of 24 bits. A file that cannot be written whole is not left behind, and an older one of
+/// the name stays.
 HRESULT D3DXSaveSurfaceToFileA(LPCSTR path, D3DXIMAGE_FILEFORMAT, IDirect3DSurface9*,
                                const PALETTEENTRY*, const RECT* rect);
 

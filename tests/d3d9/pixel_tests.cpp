@@ -106,14 +106,17 @@ TEST_F(PixelTest, BlendFactorsWeighSourceAndTarget) {
             if (opaque && i == 3)
                 d[i] = 1;
         }
-        const auto factor = [&s, &d](DWORD kind, std::size_t i) {
+        Set(D3DRS_BLENDFACTOR, 0x80402010);
+        const double f[4] = {0x40 / 255.0, 0x20 / 255.0, 0x10 / 255.0, 0x80 / 255.0};
+        const auto factor = [&s, &d, &f](DWORD kind, std::size_t i) {
             const double sat = i == 3 ? 1 : std::min(s[3], 1 - d[3]);
-            const double factors[] = {0,        0,    1,        s[i], 1 - s[i], s[3],
-                                      1 - s[3], d[3], 1 - d[3], d[i], 1 - d[i], sat};
+            const double factors[] = {0,        0,        1,        s[i],    1 - s[i], s[3],
+                                      1 - s[3], d[3],     1 - d[3], d[i],    1 - d[i], sat,
+                                      s[3],     1 - s[3], f[i],     1 - f[i]};
             return factors[kind];
         };
         for (DWORD op = D3DBLENDOP_ADD; op <= D3DBLENDOP_MAX; ++op)
-            for (DWORD from = D3DBLEND_ZERO; from <= D3DBLEND_SRCALPHASAT; ++from)
+            for (DWORD from = D3DBLEND_ZERO; from <= D3DBLEND_INVBLENDFACTOR; ++from)
                 for (DWORD to = D3DBLEND_ZERO; to <= D3DBLEND_INVDESTCOLOR; ++to) {
                     Set(D3DRS_ALPHABLENDENABLE, TRUE), Set(D3DRS_BLENDOP, op);
                     Set(D3DRS_SRCBLEND, from), Set(D3DRS_DESTBLEND, to);
@@ -121,7 +124,12 @@ TEST_F(PixelTest, BlendFactorsWeighSourceAndTarget) {
                     Cover(source);
                     int expected[4];
                     for (std::size_t i = 0; i < 4; ++i) {
-                        const double a = s[i] * factor(from, i), b = d[i] * factor(to, i);
+                        // Two sources choose for the target too.
+                        const DWORD chosen =
+                            from == D3DBLEND_BOTHSRCALPHA      ? D3DBLEND_INVSRCALPHA + 0u
+                            : from == D3DBLEND_BOTHINVSRCALPHA ? D3DBLEND_SRCALPHA + 0u
+                                                               : to;
+                        const double a = s[i] * factor(from, i), b = d[i] * factor(chosen, i);
                         const double results[] = {
                             0, a + b, a - b, b - a, std::min(s[i], d[i]), std::max(s[i], d[i])};
                         expected[i] = static_cast<int>(std::clamp(results[op], 0., 1.) * 255 + 0.5);
@@ -373,6 +381,16 @@ TEST_F(PixelTest, DrawPrimitiveUpUnsetsTheStreamAndAnIndexedDrawThenDrawsNothing
     EXPECT_EQ(D3D_OK, device->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 2));
     EXPECT_EQ(Pixel(), red);
     device->EndScene();
+}
+
+TEST_F(PixelTest, AFanTurnsAroundItsFirstVertex) {
+    Flat();
+    std::vector<Corner> corners = Corners({7.5f, 7.5f, 15.5f, 15.5f}, red);
+    std::swap(corners[2], corners[3]);
+    Draw(D3DPT_TRIANGLEFAN, corners, imageFvf);
+    Picture expected(Side, Side, black);
+    expected.Fill(8, 8, 16, 16, red);
+    EXPECT_TRUE(Same(Screen(), expected));
 }
 
 TEST_F(PixelTest, ADeclarationAndAnFvfReplaceEachOther) {

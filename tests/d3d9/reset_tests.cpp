@@ -237,6 +237,51 @@ TEST_P(ResetTest, FailResetsFailsSoManyWithSuchAResult) {
     EXPECT_EQ(D3D_OK, device->TestCooperativeLevel());
 }
 
+TEST_P(ResetTest, ParametersThatMakeNoSenseFailLikeAnyOther) {
+    const HWND other = OpenWindow();
+    DestroyWindow(other);
+    const std::pair<const char*, std::function<void(D3DPRESENT_PARAMETERS&)>> cases[] = {
+        {"too wide", [](auto& pp) { pp.BackBufferWidth = 99999; }},
+        {"no such format", [](auto& pp) { pp.BackBufferFormat = D3DFMT_DXT1; }},
+        {"another window that is gone", [&](auto& pp) { pp.hDeviceWindow = other; }},
+    };
+    for (const auto& [name, spoil] : cases) {
+        D3DPRESENT_PARAMETERS pp = Parameters();
+        spoil(pp);
+        EXPECT_EQ(D3DERR_INVALIDCALL, device->Reset(&pp)) << name;
+        EXPECT_EQ(D3DERR_DEVICENOTRESET, device->TestCooperativeLevel()) << name;
+        EXPECT_EQ(D3D_OK, Reset()) << name;
+        EXPECT_EQ(D3D_OK, device->TestCooperativeLevel()) << name;
+    }
+    DestroyWindow(window);
+    EXPECT_EQ(D3D_OK, Reset()) << "the device's own window may be gone";
+}
+
+TEST_P(ResetTest, FullScreenEndsWithTheDeviceAndWhenItMovesToAnotherWindow) {
+    const auto open = [] {
+        return CreateWindowExA(0, "Device", "", 0xCA0000, 0, 0, 100, 80, nullptr, nullptr, nullptr,
+                               nullptr);
+    };
+    const auto isMovable = [](HWND handle) { // in full screen it stays in the corner
+        SetWindowPos(handle, nullptr, 30, 20, 100, 80, 0);
+        RECT rect = {};
+        GetWindowRect(handle, &rect);
+        return rect.left == 30 && rect.top == 20;
+    };
+    const HWND first = open(), second = open();
+    D3DPRESENT_PARAMETERS pp = Parameters();
+    pp.hDeviceWindow = first, pp.Windowed = FALSE;
+    Open(pp);
+    EXPECT_FALSE(isMovable(first));
+    pp.hDeviceWindow = second;
+    ASSERT_EQ(D3D_OK, device->Reset(&pp));
+    EXPECT_TRUE(isMovable(first));
+    EXPECT_FALSE(isMovable(second));
+    Close();
+    EXPECT_TRUE(isMovable(second));
+    DestroyWindow(first), DestroyWindow(second);
+}
+
 TEST_P(ResetTest, TenResetsToFullScreenAndBackLeaveNothingBehindAndTheSamePicture) {
     const Held<IDirect3DTexture9> texture = Texture(Noise(16, 16, 22));
     const auto vertices = Vertices(Corners({3.5f, 3.5f, 40.5f, 19.5f}, white), imageFvf);

@@ -9,6 +9,9 @@
 #include <functional>
 #include <regex>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace Tests {
 
 class RuleTest : public BothTest {};
@@ -449,6 +452,57 @@ TEST_P(RuleTest, TheCallLogTellsEachCallInOrder) {
         EXPECT_EQ(log.Calls()[2].rfind("CreateIndexBuffer(6, 8, 101, 1", 0), 0u) << log.Calls()[2];
     }
     device->SetRenderState(D3DRS_ALPHABLENDENABLE, 0); // and after it nobody listens
+}
+
+TEST_P(RuleTest, TheCallLogReadsNoMoreOfTheHostsMemoryThanASoundCallMay) {
+    // A page that ends the host's memory.
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    auto* const memory = static_cast<std::byte*>(
+        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ASSERT_NE(static_cast<void*>(memory), MAP_FAILED);
+    ASSERT_EQ(0, mprotect(memory + page, page, PROT_NONE));
+    const std::vector<D3DVERTEXELEMENT9> same(2, {0, 0, D3DDECLTYPE_FLOAT3, 0, 0, 0}),
+        wrong = {{3, 0, D3DDECLTYPE_FLOAT3, 0, 0, 0}};
+    device->SetFVF(flatFvf);
+    device->BeginScene();
+    VornPlatform::CallLog log;
+    for (const auto& elements : {same, wrong}) {
+        const std::size_t size = elements.size() * sizeof(D3DVERTEXELEMENT9);
+        auto* const end = memory + page - size;
+        std::memcpy(end, elements.data(), size);
+        Held<IDirect3DVertexDeclaration9> declaration;
+        EXPECT_EQ(D3DERR_INVALIDCALL,
+                  device->CreateVertexDeclaration(reinterpret_cast<const D3DVERTEXELEMENT9*>(end),
+                                                  declaration.Out()));
+    }
+    const std::pair<UINT, UINT> draws[] = {
+        {0xffffffff, 16}, {1, 0xfffffff0}, {0xffffff, 2048}, {1, 12}};
+    for (const auto& [count, stride] : draws)
+        EXPECT_EQ(D3DERR_INVALIDCALL,
+                  device->DrawPrimitiveUP(D3DPT_TRIANGLELIST, count, memory + page - 16, stride))
+            << count << " " << stride;
+    EXPECT_EQ(D3DERR_INVALIDCALL,
+              device->Clear(0xffffffff, reinterpret_cast<const D3DRECT*>(memory + page - 16), 0, 0,
+                            1, 0));
+    EXPECT_EQ(log.Calls().size(), 7u);
+    device->EndScene();
+    munmap(memory, 2 * page);
+}
+
+TEST_P(RuleTest, CallsThatAskForNothingAreTaken) {
+    EXPECT_EQ(D3D_OK, device->SetStreamSource(15, nullptr, 0, 0));
+    EXPECT_EQ(D3DERR_INVALIDCALL, device->SetStreamSource(16, nullptr, 0, 0));
+    EXPECT_EQ(D3D_OK, device->SetRenderTarget(3, nullptr));
+    EXPECT_EQ(D3DERR_INVALIDCALL, device->SetRenderTarget(4, nullptr));
+    EXPECT_EQ(D3DERR_INVALIDCALL, device->SetRenderTarget(1, BackBuffer()));
+    EXPECT_EQ(D3D_OK, device->SetSamplerState(0, D3DSAMP_MINFILTER, D3DTEXF_ANISOTROPIC));
+    const DWORD all = D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL;
+    EXPECT_EQ(D3DERR_INVALIDCALL, device->Clear(0, nullptr, all, red, 1, 0)) << "D16";
+    D3DPRESENT_PARAMETERS pp = Parameters();
+    pp.AutoDepthStencilFormat = D3DFMT_D24S8;
+    Open(pp);
+    EXPECT_EQ(D3D_OK, device->Clear(0, nullptr, all, red, 1, 0));
+    EXPECT_TRUE(Same(Screen(), Picture(Side, Side, red)));
 }
 
 TEST_P(RuleTest, TwoDevicesOneAfterTheOtherAndTwoAtOnce) {

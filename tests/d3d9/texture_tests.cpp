@@ -3,6 +3,8 @@
 // Textures: exact images, addressing, filters, levels, compressed blocks, targets that are sampled.
 #include "tests/support/device.hpp"
 
+#include <SDL.h>
+
 #include <cmath>
 
 namespace Tests {
@@ -119,12 +121,16 @@ TEST_F(TextureTest, AddressingOutsideTheTexture) {
     Sampler(D3DSAMP_BORDERCOLOR, border);
     const auto address = [](DWORD mode, int i) { // or -1 for the border
         const int wrapped = (i % n + n) % n, twice = (i % (2 * n) + 2 * n) % (2 * n);
-        const int results[] = {0, wrapped, twice < n ? twice : 2 * n - 1 - twice,
-                               std::clamp(i, 0, n - 1), i < 0 || i >= n ? -1 : i};
+        const int results[] = {0,
+                               wrapped,
+                               twice < n ? twice : 2 * n - 1 - twice,
+                               std::clamp(i, 0, n - 1),
+                               i < 0 || i >= n ? -1 : i,
+                               std::min(i < 0 ? -1 - i : i, n - 1)};
         return results[mode];
     };
-    for (DWORD u = D3DTADDRESS_WRAP; u <= D3DTADDRESS_BORDER; ++u)
-        for (DWORD v = D3DTADDRESS_WRAP; v <= D3DTADDRESS_BORDER; ++v) {
+    for (DWORD u = D3DTADDRESS_WRAP; u <= D3DTADDRESS_MIRRORONCE; ++u)
+        for (DWORD v = D3DTADDRESS_WRAP; v <= D3DTADDRESS_MIRRORONCE; ++v) {
             Sampler(D3DSAMP_ADDRESSU, u), Sampler(D3DSAMP_ADDRESSV, v);
             Image(0, 0, 5 * n, 5 * n, white, {-2, -2, 3, 3});
             Picture expected(Side, Side, black);
@@ -354,6 +360,38 @@ TEST_F(TextureTest, LevelsOfAnAutogenmipmapTargetAreTheMeanAndMadeAnewAfterEachS
             EXPECT_TRUE(Same(Screen(), expected, 3)) << size;
         }
     }
+}
+
+TEST_F(TextureTest, WhatWasNeverWrittenIsDrawnAsItIsInMemory) {
+    Flat();
+    for (int i = 0; i < 8; ++i) { // memory of the machine that is used again
+        const Held<IDirect3DTexture9> used = Texture(Picture(Side, Side, 0xabababab));
+        device->SetTexture(0, used);
+        Image(0, 0, Side, Side);
+        device->SetTexture(0, nullptr);
+    }
+    const Held<IDirect3DTexture9> managed = Texture(Side, Side);
+    const RECT part = {0, 0, 4, 4};
+    D3DLOCKED_RECT locked = {};
+    ASSERT_EQ(D3D_OK, managed->LockRect(0, &locked, &part, 0));
+    for (int y = 0; y < 4; ++y)
+        std::memset(static_cast<char*>(locked.pBits) + y * locked.Pitch, 0xff, 16);
+    managed->UnlockRect(0);
+    Clear(green);
+    device->SetTexture(0, managed);
+    Image(0, 0, Side, Side);
+    Picture expected(Side, Side, black);
+    expected.Fill(0, 0, 4, 4, white);
+    EXPECT_TRUE(Same(Screen(), expected));
+}
+
+TEST_F(TextureTest, WhatCannotBeReadBackIsNoSuccess) {
+    Held<IDirect3DSurface9> memory;
+    device->CreateOffscreenPlainSurface(Side, Side, D3DFMT_X8R8G8B8, D3DPOOL_SYSTEMMEM,
+                                        memory.Out(), nullptr);
+    SDL_Quit(); // of a host: the machine is gone with it
+    EXPECT_EQ(D3DERR_DRIVERINTERNALERROR, device->GetRenderTargetData(BackBuffer(), memory));
+    EXPECT_TRUE(VornPlatform::ReadPixels(BackBuffer()).empty());
 }
 
 TEST_F(TextureTest, GetRenderTargetDataCopiesBackBufferAndTargetsIntoMemory) {

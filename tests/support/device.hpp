@@ -153,7 +153,7 @@ protected:
     template <typename Vertex>
     void Draw(D3DPRIMITIVETYPE type, const std::vector<Vertex>& vertices, DWORD fvf) {
         const auto n = static_cast<UINT>(vertices.size());
-        const UINT counts[] = {0, n, n / 2, n - 1, n / 3, n - 2};
+        const UINT counts[] = {0, n, n / 2, n - 1, n / 3, n - 2, n - 2};
         device->SetFVF(fvf);
         const HRESULT begun = device->BeginScene(); // or a test did
         EXPECT_EQ(D3D_OK,

@@ -56,6 +56,7 @@ SDL_GLContext MakeContext(SDL_Window* window) {
 std::unique_ptr<GlContext> GlContext::Make() {
     if (!StartVideo())
         return nullptr;
+    std::unique_ptr<GlContext> context(new GlContext);
     SDL_Window* window = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
     if (!window)
         return nullptr;
@@ -64,15 +65,13 @@ std::unique_ptr<GlContext> GlContext::Make() {
         SDL_DestroyWindow(window);
         return nullptr;
     }
-    std::unique_ptr<GlContext> context(new GlContext(window, made));
+    context->mWindow = window;
+    context->mWindowId = SDL_GetWindowID(window);
+    context->mContext = made;
+    SDL_SetWindowData(window, OwnerName, context.get());
     if (!context->MakeCurrent() || epoxy_gl_version() < 45)
         return nullptr;
     return context;
-}
-
-GlContext::GlContext(SDL_Window* window, SDL_GLContext context)
-    : mWindow(window), mWindowId(SDL_GetWindowID(window)), mContext(context) {
-    SDL_SetWindowData(window, OwnerName, this);
 }
 
 GlContext::~GlContext() {

@@ -36,13 +36,13 @@ public:
     void SwapInterval(SDL_Window* window, int interval);
 
 private:
-    GlContext(SDL_Window* window, SDL_GLContext context);
+    GlContext() = default;
     bool becomeCurrent();
     bool lives() const;
 
-    SDL_Window* mWindow;
-    Uint32 mWindowId;
-    SDL_GLContext mContext; // null once it is lost
+    SDL_Window* mWindow = nullptr;
+    Uint32 mWindowId = 0;
+    SDL_GLContext mContext = nullptr; // null once it is lost
     // Of the window that was shown last; the interval belongs to both it and the context.
     Uint32 mShownId = 0;
     int mInterval = -1;

@@ -11,13 +11,12 @@ GLuint Framebuffers::Of(const GlTexture* color, const GlTexture* depth) {
     });
     if (found != mPairs.end())
         return found->name;
-    GLuint name = 0;
+    GLuint& name = mPairs.emplace_back(Pair{color, depth, 0}).name;
     glCreateFramebuffers(1, &name);
     if (color)
         glNamedFramebufferTexture(name, GL_COLOR_ATTACHMENT0, color->Name(), 0);
     if (depth)
         glNamedFramebufferTexture(name, GL_DEPTH_ATTACHMENT, depth->Name(), 0);
-    mPairs.push_back({color, depth, name});
     return name;
 }
 

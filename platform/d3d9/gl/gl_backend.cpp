@@ -3,15 +3,7 @@
 
 namespace VornPlatform {
 
-namespace {
-
-const GlTexture* Of(const GpuTexture* texture) {
-    return static_cast<const GlTexture*>(texture);
-}
-
-} // namespace
-
-std::unique_ptr<Backend> MakeGlBackend(HWND /*window*/) {
+std::unique_ptr<Backend> MakeGlBackend() {
     auto context = GlContext::Make();
     return context ? std::make_unique<GlBackend>(std::move(context)) : nullptr;
 }

@@ -8,17 +8,18 @@
 namespace VornPlatform {
 
 std::unique_ptr<GlBuffer> GlBuffer::Make(GlBackend& backend, BufferKind /*kind*/, UINT size) {
+    std::unique_ptr<GlBuffer> buffer(new GlBuffer(backend, size));
     TakeErrors();
-    GLuint name = 0;
-    glCreateBuffers(1, &name);
+    glCreateBuffers(1, &buffer->mName);
     // Not immutable: what is mapped for reading again and again belongs where the host reaches it.
-    glNamedBufferData(name, static_cast<GLsizeiptr>(size), nullptr, GL_DYNAMIC_DRAW);
-    if (TakeErrors()) {
-        glDeleteBuffers(1, &name);
+    glNamedBufferData(buffer->mName, static_cast<GLsizeiptr>(size), nullptr, GL_DYNAMIC_DRAW);
+    if (TakeErrors())
         return nullptr;
-    }
+    return buffer;
+}
+
+GlBuffer::GlBuffer(GlBackend& backend, UINT size) : mBackend(backend), mSize(size) {
     ++glCounters.buffers;
-    return std::unique_ptr<GlBuffer>(new GlBuffer(backend, name, size));
 }
 
 GlBuffer::~GlBuffer() {

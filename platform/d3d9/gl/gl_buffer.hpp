@@ -27,11 +27,11 @@ public:
     UINT Size() const { return mSize; }
 
 private:
-    GlBuffer(GlBackend& backend, GLuint name, UINT size)
-        : mBackend(backend), mName(name), mSize(size) {}
+    /// Without memory yet.
+    GlBuffer(GlBackend& backend, UINT size);
 
     GlBackend& mBackend;
-    GLuint mName;
+    GLuint mName = 0;
     UINT mSize;
 };
 

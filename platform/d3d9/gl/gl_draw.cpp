@@ -3,7 +3,6 @@
 // GlBackend: from the state of the device to a draw of OpenGL.
 #include "platform/d3d9/gl/gl_backend.hpp"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -11,11 +10,6 @@ namespace VornPlatform {
 
 namespace {
 
-constexpr UINT LargestStride = 2048; // that every OpenGL takes
-
-const GlTexture* Of(const GpuTexture* texture) {
-    return static_cast<const GlTexture*>(texture);
-}
 const GlBuffer* Of(const GpuBuffer* buffer) {
     return static_cast<const GlBuffer*>(buffer);
 }
@@ -41,8 +35,7 @@ struct Shape {
 };
 
 Shape ShapeOf(D3DPRIMITIVETYPE type) {
-    constexpr int Fan = 6; // no header of ours names it
-    switch (static_cast<int>(type)) {
+    switch (type) {
     case D3DPT_POINTLIST:
         return {GL_POINTS, 1, 0};
     case D3DPT_LINELIST:
@@ -51,7 +44,7 @@ Shape ShapeOf(D3DPRIMITIVETYPE type) {
         return {GL_LINE_STRIP, 1, 1};
     case D3DPT_TRIANGLESTRIP:
         return {GL_TRIANGLE_STRIP, 1, 2};
-    case Fan:
+    case D3DPT_TRIANGLEFAN:
         return {GL_TRIANGLE_FAN, 1, 2};
     default:
         return {GL_TRIANGLES, 3, 0};
@@ -76,14 +69,13 @@ void GlBackend::Draw(const State& state, unsigned int changed, const Primitive& 
     if (!state.format || !state.target.color || !MakeCurrent())
         return;
     if (mPending != 0) {
-        const unsigned int groups = mPending;
+        resolve(state, mPending);
         mPending = 0;
-        resolve(state, groups);
     }
     if (mProgram->name == 0)
         return;
     const Shape shape = ShapeOf(primitive.type);
-    const UINT count = std::min(primitive.count, MaxPrimitives) * shape.perPrimitive + shape.extra;
+    const UINT count = primitive.count * shape.perPrimitive + shape.extra;
     if (!bindVertices(state, primitive, count))
         return;
     const bool lines = shape.mode == GL_LINES || shape.mode == GL_LINE_STRIP ||
@@ -94,22 +86,14 @@ void GlBackend::Draw(const State& state, unsigned int changed, const Primitive& 
         return;
     }
     const UINT start = primitive.userVertices ? 0 : primitive.start;
-    glDrawArrays(shape.mode, static_cast<GLint>(std::min(start, MaxBufferSize)),
-                 static_cast<GLsizei>(count));
+    glDrawArrays(shape.mode, static_cast<GLint>(start), static_cast<GLsizei>(count));
     ++glCounters.drawCalls;
 }
 
 void GlBackend::drawIndexed(const State& state, const Primitive& primitive, GLenum mode,
                             UINT count) {
     const GlBuffer* indices = Of(state.indices);
-    if (!indices)
-        return;
-    // No driver promises to look where the indices end.
     const UINT size = state.wideIndices ? 4 : 2;
-    const UINT held = indices->Size() / size;
-    if (primitive.start >= held)
-        return;
-    count = std::min(count, held - primitive.start);
     if (mArray->indices.Set(indices->Name()))
         glVertexArrayElementBuffer(mArray->name, indices->Name());
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): an offset in a pointer
@@ -127,13 +111,10 @@ bool GlBackend::bindVertices(const State& state, const Primitive& primitive, UIN
     VertexSource source;
     if (primitive.userVertices) {
         const std::size_t size = std::size_t(vertexCount) * primitive.userStride;
-        if (size == 0 || size > MaxBufferSize || primitive.userStride > LargestStride ||
-            !mStream.Write(primitive.userVertices, size))
+        if (!mStream.Write(primitive.userVertices, size))
             return false;
         source = {mStream.Name(), mStream.Offset(), static_cast<GLsizei>(primitive.userStride)};
     } else {
-        if (!state.vertices || state.stride > LargestStride)
-            return false;
         source = {Of(state.vertices)->Name(), static_cast<GLintptr>(state.vertexOffset),
                   static_cast<GLsizei>(state.stride)};
     }

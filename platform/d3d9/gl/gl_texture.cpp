@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3d9/gl/gl_texture.hpp"
-#include "platform/d3d9/gl/dxt.hpp"
+#include "platform/d3d9/dxt.hpp"
 #include "platform/d3d9/gl/gl_backend.hpp"
 
 #include <cstring>
@@ -35,24 +35,32 @@ std::unique_ptr<GlTexture> GlTexture::Make(GlBackend& backend, const TextureDesc
     if (!format)
         return nullptr;
     const bool decompress = format->compressed && !DriverDecompresses();
+    std::unique_ptr<GlTexture> texture(new GlTexture(backend, *format));
     TakeErrors();
-    GLuint name = 0;
-    glCreateTextures(GL_TEXTURE_2D, 1, &name);
-    glTextureStorage2D(name, static_cast<GLsizei>(desc.levels),
+    glCreateTextures(GL_TEXTURE_2D, 1, &texture->mName);
+    glTextureStorage2D(texture->mName, static_cast<GLsizei>(desc.levels),
                        decompress ? GL_RGBA8 : format->internal, static_cast<GLsizei>(desc.width),
                        static_cast<GLsizei>(desc.height));
-    if (TakeErrors()) {
-        glDeleteTextures(1, &name);
+    if (TakeErrors())
         return nullptr;
-    }
-    ++glCounters.textures;
     if (!format->depth)
-        glTextureParameteriv(name, GL_TEXTURE_SWIZZLE_RGBA, format->swizzle);
-    // What was never written is undefined in Direct3D; the same every time is kinder to the host.
+        glTextureParameteriv(texture->mName, GL_TEXTURE_SWIZZLE_RGBA, format->swizzle);
     if (desc.target)
-        glClearTexImage(name, 0, format->depth ? GL_DEPTH_COMPONENT : GL_RGBA,
-                        format->depth ? GL_FLOAT : GL_UNSIGNED_BYTE, nullptr);
-    return std::unique_ptr<GlTexture>(new GlTexture(backend, *format, name));
+        texture->clear(desc.levels);
+    return texture;
+}
+
+GlTexture::GlTexture(GlBackend& backend, const GlFormat& format)
+    : mBackend(backend), mFormat(format) {
+    ++glCounters.textures;
+}
+
+// What was never written is undefined in Direct3D; the same every time is kinder to the host.
+void GlTexture::clear(UINT levels) {
+    for (UINT level = 0; level < levels; ++level)
+        glClearTexImage(mName, static_cast<GLint>(level),
+                        mFormat.depth ? GL_DEPTH_COMPONENT : GL_RGBA,
+                        mFormat.depth ? GL_FLOAT : GL_UNSIGNED_BYTE, nullptr);
 }
 
 GlTexture::~GlTexture() {
@@ -85,14 +93,6 @@ void GlTexture::Write(UINT level, const RECT& rect, const void* pixels, UINT pit
 
 void GlTexture::writeBlocks(UINT level, const RECT& rect, const void* pixels, UINT pitch) {
     const Box box(rect);
-    if (!DriverDecompresses()) {
-        const auto plain =
-            DecompressDxt(mFormat.format, pixels, pitch, static_cast<UINT>(box.width),
-                          static_cast<UINT>(box.height));
-        glTextureSubImage2D(mName, static_cast<GLint>(level), box.x, box.y, box.width, box.height,
-                            GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, plain.data());
-        return;
-    }
     const std::size_t rows = Size(box.height + 3) / 4;
     const std::size_t rowBytes = Size(box.width + 3) / 4 * mFormat.bytes;
     std::vector<BYTE> packed;
@@ -103,15 +103,23 @@ void GlTexture::writeBlocks(UINT level, const RECT& rect, const void* pixels, UI
                         rowBytes);
         pixels = packed.data();
     }
+    if (!DriverDecompresses()) {
+        const auto plain = DecompressBlocks(
+            mFormat.format, static_cast<UINT>(box.width), static_cast<UINT>(box.height),
+            {static_cast<const std::uint8_t*>(pixels), rows * rowBytes});
+        glTextureSubImage2D(mName, static_cast<GLint>(level), box.x, box.y, box.width, box.height,
+                            GL_BGRA, GL_UNSIGNED_BYTE, plain.data());
+        return;
+    }
     glCompressedTextureSubImage2D(mName, static_cast<GLint>(level), box.x, box.y, box.width,
                                   box.height, mFormat.internal,
                                   static_cast<GLsizei>(rows * rowBytes), pixels);
 }
 
-void GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
+bool GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
     const Box box(rect);
     if (box.Empty() || mFormat.depth || mFormat.compressed || !mBackend.MakeCurrent())
-        return;
+        return false;
     // In one go, then apart: the pitch need not be a whole number of pixels.
     const std::size_t rowBytes = Size(box.width) * mFormat.bytes;
     std::vector<BYTE> packed;
@@ -131,6 +139,7 @@ void GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
         if (!packed.empty())
             std::memcpy(static_cast<BYTE*>(pixels) + row * pitch, line, rowBytes);
     }
+    return true;
 }
 
 void GlTexture::GenerateMips() {

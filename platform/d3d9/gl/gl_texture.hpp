@@ -19,20 +19,25 @@ public:
     ~GlTexture() override;
 
     void Write(UINT level, const RECT& rect, const void* pixels, UINT pitch) override;
-    void Read(UINT level, const RECT& rect, void* pixels, UINT pitch) override;
+    bool Read(UINT level, const RECT& rect, void* pixels, UINT pitch) override;
     void GenerateMips() override;
 
     GLuint Name() const { return mName; }
     const GlFormat& Format() const { return mFormat; }
 
 private:
-    GlTexture(GlBackend& backend, const GlFormat& format, GLuint name)
-        : mBackend(backend), mFormat(format), mName(name) {}
+    /// Without memory yet.
+    GlTexture(GlBackend& backend, const GlFormat& format);
+    void clear(UINT levels);
     void writeBlocks(UINT level, const RECT& rect, const void* pixels, UINT pitch);
 
     GlBackend& mBackend;
     const GlFormat& mFormat;
-    GLuint mName;
+    GLuint mName = 0;
 };
+
+inline const GlTexture* Of(const GpuTexture* texture) {
+    return static_cast<const GlTexture*>(texture);
+}
 
 } // namespace VornPlatform

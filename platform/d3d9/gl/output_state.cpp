@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3d9/gl/output_state.hpp"
 #include "platform/d3d9/gl/fill_rule.hpp"
+#include "platform/d3d9/gl/formats.hpp"
 
 #include <algorithm>
 #include <cstdint>
@@ -9,10 +10,6 @@
 namespace VornPlatform {
 
 namespace {
-
-// Numbers of Direct3D that no header of ours names, and hosts use all the same.
-constexpr DWORD BlendBothSourceAlpha = 12, BlendBothInvSourceAlpha = 13, BlendFactor = 14,
-                BlendInvFactor = 15;
 
 void Switch(GLenum what, bool on) {
     if (on)
@@ -53,7 +50,7 @@ GLenum FactorOf(DWORD factor, bool hasAlpha, GLenum fallback) {
                                 GL_ONE_MINUS_SRC_ALPHA,
                                 GL_CONSTANT_COLOR,
                                 GL_ONE_MINUS_CONSTANT_COLOR};
-    static_assert(std::size(table) == BlendInvFactor + 1 && BlendFactor + 1 == BlendInvFactor);
+    static_assert(std::size(table) == D3DBLEND_INVBLENDFACTOR + 1);
     return Entry(table, factor, fallback);
 }
 
@@ -73,7 +70,6 @@ void OutputState::SetUp() {
     // A front is what looks clockwise.
     glFrontFace(mUpperLeft ? GL_CW : GL_CCW);
     glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
-    glBlendColor(1, 1, 1, 1);
     glDisable(GL_DITHER);
     glDisable(GL_MULTISAMPLE);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -180,12 +176,17 @@ void OutputState::Blend(const BlendState& blend, bool hasAlpha) {
         return;
     Factors factors = {FactorOf(blend.source, hasAlpha, GL_ONE),
                        FactorOf(blend.destination, hasAlpha, GL_ZERO)};
-    if (blend.source == BlendBothSourceAlpha)
+    if (blend.source == D3DBLEND_BOTHSRCALPHA)
         factors.destination = GL_ONE_MINUS_SRC_ALPHA;
-    else if (blend.source == BlendBothInvSourceAlpha)
+    else if (blend.source == D3DBLEND_BOTHINVSRCALPHA)
         factors.destination = GL_SRC_ALPHA;
     if (mFactors.Set(factors))
         glBlendFunc(factors.source, factors.destination);
+    if (mFactor.Set(blend.factor)) {
+        GLfloat channels[4];
+        Unpack(blend.factor, channels);
+        glBlendColor(channels[0], channels[1], channels[2], channels[3]);
+    }
     const GLenum equation = EquationOf(blend.operation);
     if (mEquation.Set(equation))
         glBlendEquation(equation);

@@ -54,6 +54,7 @@ private:
     Shadow<GLenum> mDepthFunction;
     Shadow<bool> mBlendOn;
     Shadow<Factors> mFactors;
+    Shadow<D3DCOLOR> mFactor;
     Shadow<GLenum> mEquation;
     Shadow<DWORD> mWriteMask;
 };

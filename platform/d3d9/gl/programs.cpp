@@ -36,12 +36,14 @@ GLuint LinkProgram(const std::string& vertexSource, const std::string& pixelSour
 }
 
 Program& Programs::Of(const FixedFunctionKey& key) {
-    const auto [place, isNew] = mPrograms.try_emplace(key.Packed());
-    if (isNew) {
-        place->second.key = key;
-        place->second.name = LinkProgram(VertexSourceOf(key), PixelSourceOf(key));
-    }
-    return place->second;
+    if (const auto found = mPrograms.find(key.Packed()); found != mPrograms.end())
+        return found->second;
+    // What may raise comes before there is an entry.
+    const std::string vertexSource = VertexSourceOf(key), pixelSource = PixelSourceOf(key);
+    Program& program = mPrograms[key.Packed()];
+    program.key = key;
+    program.name = LinkProgram(vertexSource, pixelSource);
+    return program;
 }
 
 void Programs::Free() {

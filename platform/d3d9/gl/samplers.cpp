@@ -6,7 +6,6 @@ namespace VornPlatform {
 namespace {
 
 GLint AddressOf(DWORD mode) {
-    constexpr DWORD MirrorOnce = 5;
     switch (mode) {
     case D3DTADDRESS_MIRROR:
         return GL_MIRRORED_REPEAT;
@@ -14,7 +13,7 @@ GLint AddressOf(DWORD mode) {
         return GL_CLAMP_TO_EDGE;
     case D3DTADDRESS_BORDER:
         return GL_CLAMP_TO_BORDER;
-    case MirrorOnce:
+    case D3DTADDRESS_MIRRORONCE:
         return GL_MIRROR_CLAMP_TO_EDGE;
     default:
         return GL_REPEAT;
@@ -56,7 +55,7 @@ GLuint Samplers::Of(const Sampler& sampler, const GlFormat& format) {
     const std::uint64_t key = KeyOf(sampler, format);
     if (const auto found = mNames.find(key); found != mNames.end())
         return found->second;
-    GLuint name = 0;
+    GLuint& name = mNames[key];
     glCreateSamplers(1, &name);
     glSamplerParameteri(name, GL_TEXTURE_WRAP_S, AddressOf(sampler.addressU));
     glSamplerParameteri(name, GL_TEXTURE_WRAP_T, AddressOf(sampler.addressV));
@@ -68,7 +67,6 @@ GLuint Samplers::Of(const Sampler& sampler, const GlFormat& format) {
         BorderFor(format, sampler.border, border);
         glSamplerParameterfv(name, GL_TEXTURE_BORDER_COLOR, border);
     }
-    mNames[key] = name;
     return name;
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3d9/gl/vertex_arrays.hpp"
 
+#include <utility>
+
 namespace VornPlatform {
 
 namespace {
-
-constexpr WORD LargestOffset = 2047; // that every OpenGL takes
 
 struct ElementType {
     GLint size;
@@ -70,15 +70,17 @@ VertexArray& VertexArrays::Of(const VertexFormat& format) {
 }
 
 VertexArray& VertexArrays::make(const VertexFormat& format) {
-    auto& array = mArrays[KeyOf(format)];
-    if (array)
-        return *array;
-    array = std::make_unique<VertexArray>();
+    const std::string key = KeyOf(format);
+    if (const auto found = mArrays.find(key); found != mArrays.end())
+        return *found->second;
+    auto made = std::make_unique<VertexArray>();
+    VertexArray* array = made.get();
+    mArrays.emplace(key, std::move(made));
     glCreateVertexArrays(1, &array->name);
     for (const D3DVERTEXELEMENT9& element : format.elements) {
         const int location = AttributeLocation(element.Usage, element.UsageIndex);
         const ElementType type = TypeOf(element.Type);
-        if (location < 0 || type.size == 0 || element.Stream != 0 || element.Offset > LargestOffset)
+        if (location < 0)
             continue;
         const auto index = static_cast<GLuint>(location);
         glEnableVertexArrayAttrib(array->name, index);

@@ -182,15 +182,14 @@ void AppendText(std::string& text, const D3DPRESENT_PARAMETERS* parameters) {
                  p.FullScreen_RefreshRateInHz, p.PresentationInterval);
 }
 
-void AppendText(std::string& text, const D3DVERTEXELEMENT9* elements) {
-    constexpr int Longest = 64; // where the end mark is missing
-    if (!elements) {
+void AppendText(std::string& text, const ElementRows& rows) {
+    if (!rows.elements) {
         text += "null";
         return;
     }
     text += '[';
-    for (int i = 0; i < Longest && elements[i].Stream != 0xFF; ++i) {
-        const D3DVERTEXELEMENT9& e = elements[i];
+    for (std::size_t i = 0; i < rows.count; ++i) {
+        const D3DVERTEXELEMENT9& e = rows.elements[i];
         text += i ? ", " : "";
         AppendRecord(text, e.Stream, e.Offset, e.Type, e.Method, e.Usage, e.UsageIndex);
     }

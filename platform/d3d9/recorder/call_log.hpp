@@ -26,6 +26,11 @@ struct FloatRows {
     std::size_t rows = 1, columns = 1;
     bool list = true;
 };
+/// The elements of a declaration.
+struct ElementRows {
+    const D3DVERTEXELEMENT9* elements = nullptr;
+    std::size_t count = 0;
+};
 /// The rectangles of a Clear.
 struct RectRows {
     const D3DRECT* rects = nullptr;
@@ -39,7 +44,8 @@ struct VertexRows {
     std::size_t elementCount = 0;
 };
 
-// What an argument looks like in a log. Pointers that are null are "null".
+// What an argument looks like in a log. Pointers that are null are "null". The call is not checked
+// when it is told, so who makes rows counts only what a sound call reads.
 void AppendText(std::string& text, const IUnknown* object);
 void AppendText(std::string& text, const char* string); // in quotation marks
 void AppendText(std::string& text, const void* memory); // "memory"
@@ -49,7 +55,7 @@ void AppendText(std::string& text, const D3DVIEWPORT9* viewport);
 void AppendText(std::string& text, const D3DLIGHT9* light);
 void AppendText(std::string& text, const RECT* rect);
 void AppendText(std::string& text, const D3DPRESENT_PARAMETERS* parameters);
-void AppendText(std::string& text, const D3DVERTEXELEMENT9* elements);
+void AppendText(std::string& text, const ElementRows& rows);
 void AppendText(std::string& text, const FloatRows& rows);
 void AppendText(std::string& text, const VertexRows& rows);
 void AppendText(std::string& text, const RectRows& rows);

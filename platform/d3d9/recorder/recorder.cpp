@@ -40,7 +40,9 @@ public:
         });
     }
 
-    void Read(UINT level, const RECT& rect, void* pixels, UINT pitch) override {
+    bool Read(UINT level, const RECT& rect, void* pixels, UINT pitch) override {
+        if (mLevels.empty() || mFormat.blockSide > 1)
+            return false;
         auto* to = static_cast<std::byte*>(pixels);
         ForEachRow(level, rect, [&](std::byte* row, std::size_t bytes, std::size_t index) {
             std::byte* line = to + index * pitch;
@@ -48,6 +50,7 @@ public:
             for (std::size_t x = 3; mDesc.format == D3DFMT_X8R8G8B8 && x < bytes; x += 4)
                 line[x] = std::byte(0xff);
         });
+        return true;
     }
 
     void GenerateMips() override {} // they only show where something is drawn

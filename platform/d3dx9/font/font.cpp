@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Fonts of D3DX: text as textured rectangles over what is there, a texel on each pixel.
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/overlay.hpp"
 #include "platform/d3dx9/device_object.hpp"
 #include "platform/d3dx9/font/glyph_atlas.hpp"
@@ -184,9 +185,7 @@ HRESULT D3DXCreateFontA(IDirect3DDevice9* device, INT height, UINT width, UINT w
     *font = nullptr;
     if (!device)
         return D3DERR_INVALIDCALL;
-    try {
+    return Guarded([&] {
         return CreateFont(device, {face ? face : "", height, width, weight, italic != 0}, font);
-    } catch (const std::bad_alloc&) {
-        return D3DERR_OUTOFVIDEOMEMORY;
-    }
+    });
 }

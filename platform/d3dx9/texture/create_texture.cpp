@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Textures by D3DX: of a size, with leniency, and from a file.
+#include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
 #include "platform/d3dx9/texture/image.hpp"
 
@@ -11,7 +12,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <new>
 #include <optional>
 #include <system_error>
 
@@ -94,11 +94,7 @@ HRESULT D3DXCreateTextureFromFileA(IDirect3DDevice9* device, LPCSTR path,
     *texture = nullptr;
     if (!device || !path)
         return D3DERR_INVALIDCALL;
-    try {
-        return CreateFromFile(device, path, texture);
-    } catch (const std::bad_alloc&) {
-        return D3DERR_OUTOFVIDEOMEMORY;
-    }
+    return Guarded([&] { return CreateFromFile(device, path, texture); });
 }
 
 HRESULT D3DXCreateTexture(IDirect3DDevice9* device, UINT w, UINT h, UINT levels, DWORD usage,
@@ -109,10 +105,16 @@ HRESULT D3DXCreateTexture(IDirect3DDevice9* device, UINT w, UINT h, UINT levels,
     *texture = nullptr;
     if (!device)
         return D3DERR_INVALIDCALL;
-    const UINT width = std::max(w, 1u), height = std::max(h, 1u);
+    const auto side = [](UINT asked, UINT other) {
+        constexpr UINT Default = 256;
+        if (asked == D3DX_DEFAULT)
+            asked = other == D3DX_DEFAULT ? Default : other;
+        return std::max(asked, 1u);
+    };
+    const UINT width = side(w, h), height = side(h, w);
     IDirect3DTexture9* made = nullptr;
     const HRESULT result = device->CreateTexture(
-        width, height, std::min(levels, LevelCount(width, height)), usage,
+        width, height, std::min(levels, FullLevels(width, height)), usage,
         format == D3DFMT_UNKNOWN ? D3DFMT_A8R8G8B8 : format, pool, &made, nullptr);
     if (SUCCEEDED(result))
         *texture = made;

@@ -105,7 +105,7 @@ std::optional<Layout> ReadLayout(Bytes header) {
 UINT ReadLevelCount(Bytes header, UINT width, UINT height) {
     const bool counts = (Read32(header, 8) & HasMipCount) || (Read32(header, 108) & CapsMipmap);
     const UINT count = counts ? std::max(Read32(header, 28), 1u) : 1;
-    return count <= LevelCount(width, height) ? count : 0;
+    return count <= FullLevels(width, height) ? count : 0;
 }
 
 std::size_t FileBytes(const Layout& layout, UINT width, UINT height) {
@@ -135,7 +135,7 @@ std::optional<Image> ReadDds(Bytes file) {
         Read32(file, 76) != PixelFormatField)
         return std::nullopt;
     const UINT height = Read32(file, 12), width = Read32(file, 16);
-    if (width < 1 || width > MaxTextureSize || height < 1 || height > MaxTextureSize)
+    if (!IsTextureSize(width, height))
         return std::nullopt;
     const bool deep = (Read32(file, 8) & HasDepth) && Read32(file, 24) > 1;
     if (deep || (Read32(file, 112) & (CapsCubeMap | CapsVolume)))

@@ -7,7 +7,6 @@
 #include "platform/d3dx9/texture/tga_file.hpp"
 
 #include <algorithm>
-#include <bit>
 
 namespace VornPlatform {
 
@@ -102,7 +101,7 @@ std::optional<Image> ReadImage(Bytes file) {
 }
 
 void CompleteLevels(Image& image) {
-    const UINT count = LevelCount(image.width, image.height);
+    const UINT count = FullLevels(image.width, image.height);
     const auto have = static_cast<UINT>(image.levels.size());
     if (have == 0 || have >= count)
         return;
@@ -150,42 +149,6 @@ Pixels ToBgra(D3DFORMAT format, UINT width, UINT height, Bytes pixels) {
         }
     }
     return bgra;
-}
-
-UINT LevelCount(UINT width, UINT height) {
-    return static_cast<UINT>(std::bit_width(std::max({width, height, 1u})));
-}
-
-bool IsCompressed(D3DFORMAT format) {
-    return format == D3DFMT_DXT1 || format == D3DFMT_DXT3 || format == D3DFMT_DXT5;
-}
-
-UINT UnitBytes(D3DFORMAT format) {
-    switch (format) {
-    case D3DFMT_A8R8G8B8:
-    case D3DFMT_X8R8G8B8:
-        return 4;
-    case D3DFMT_A8L8:
-        return 2;
-    case D3DFMT_A8:
-    case D3DFMT_L8:
-        return 1;
-    case D3DFMT_DXT1:
-        return 8;
-    case D3DFMT_DXT3:
-    case D3DFMT_DXT5:
-        return 16;
-    default:
-        return 0;
-    }
-}
-
-std::size_t RowBytes(D3DFORMAT format, UINT width) {
-    return std::size_t(IsCompressed(format) ? (width + 3) / 4 : width) * UnitBytes(format);
-}
-
-std::size_t RowCount(D3DFORMAT format, UINT height) {
-    return IsCompressed(format) ? (height + 3) / 4 : height;
 }
 
 } // namespace VornPlatform

@@ -12,6 +12,8 @@
 // the top row first, rows without a gap; blocks of 4 by 4 in the DXT formats.
 #pragma once
 
+#include "platform/d3d9/pixel_format.hpp"
+
 #include <d3d9.h>
 
 #include <cstddef>
@@ -43,17 +45,22 @@ void CompleteLevels(Image&);
 /// opaque, A8 is black.
 std::vector<std::uint8_t> ToBgra(D3DFORMAT, UINT width, UINT height, Bytes pixels);
 
-/// Levels from this size down to 1 by 1.
-UINT LevelCount(UINT width, UINT height);
-inline UINT LevelSide(UINT side, UINT level) {
-    return side >> level ? side >> level : 1;
-}
-bool IsCompressed(D3DFORMAT);
 /// Of a pixel, or of a block where the format is compressed; 0 for a format of no picture.
-UINT UnitBytes(D3DFORMAT);
+inline UINT UnitBytes(D3DFORMAT format) {
+    const PixelFormat* known = FindPixelFormat(format);
+    return known && known->use == PixelUse::Color ? known->blockBytes : 0;
+}
+// Of the formats of pictures only.
+inline bool IsCompressed(D3DFORMAT format) {
+    return FindPixelFormat(format)->blockSide > 1;
+}
 /// Of a row of pixels or blocks, and how many there are.
-std::size_t RowBytes(D3DFORMAT, UINT width);
-std::size_t RowCount(D3DFORMAT, UINT height);
+inline std::size_t RowBytes(D3DFORMAT format, UINT width) {
+    return PitchOf(*FindPixelFormat(format), width);
+}
+inline std::size_t RowCount(D3DFORMAT format, UINT height) {
+    return BlocksOf(*FindPixelFormat(format), height);
+}
 inline std::size_t LevelBytes(D3DFORMAT format, UINT width, UINT height) {
     return RowBytes(format, width) * RowCount(format, height);
 }

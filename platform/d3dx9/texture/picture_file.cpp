@@ -13,10 +13,6 @@ namespace VornPlatform {
 
 namespace {
 
-bool IsSize(std::uint64_t width, std::uint64_t height) {
-    return width >= 1 && width <= MaxTextureSize && height >= 1 && height <= MaxTextureSize;
-}
-
 UINT Read16High(Bytes bytes, std::size_t at) {
     return static_cast<UINT>(bytes[at]) << 8 | bytes[at + 1];
 }
@@ -66,7 +62,7 @@ bool IsWholePng(Bytes file) {
         return false;
     const std::uint64_t width = Read32High(file, 16), height = Read32High(file, 20);
     const UINT depth = file[24], color = file[25];
-    if (!IsSize(width, height) || depth > 16 || color > 6)
+    if (!IsTextureSize(width, height) || depth > 16 || color > 6)
         return false;
     const UINT channels = color == 3 ? 1u : (color & 2 ? 3u : 1u) + (color & 4 ? 1u : 0u);
     if (height * (1 + (width * channels * depth + 7) / 8) > MostPerByte * file.size())
@@ -116,7 +112,7 @@ bool IsFrame(Bytes data, std::size_t fileSize) {
     if (data.size() < Head || data.size() < Head + data[5] * OfComponent)
         return false;
     const std::uint64_t height = Read16High(data, 1), width = Read16High(data, 3);
-    if (!IsSize(width, height) || width * height > MostPerByte * fileSize)
+    if (!IsTextureSize(width, height) || width * height > MostPerByte * fileSize)
         return false;
     for (const int shift : {4, 0}) { // across, down
         UINT finest = 1;
@@ -171,7 +167,7 @@ bool IsWholeBmp(Bytes file) {
     const std::uint64_t height =
         signedHeight < 0 ? 0u - static_cast<UINT>(signedHeight) : static_cast<UINT>(signedHeight);
     const UINT bits = Read16(file, old ? 24 : 28);
-    if (!IsSize(width, height) || bits < 1 || bits > 32)
+    if (!IsTextureSize(width, height) || bits < 1 || bits > 32)
         return false;
     const std::uint64_t row = (width * bits + 7) / 8, stride = (row + 3) / 4 * 4;
     return offset >= 14 + std::uint64_t(headerSize) &&

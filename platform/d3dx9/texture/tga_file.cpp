@@ -32,8 +32,7 @@ bool IsColorDepth(UINT bits) {
 }
 
 bool IsSound(const Header& header, UINT paletteType) {
-    if (header.width < 1 || header.width > MaxTextureSize || header.height < 1 ||
-        header.height > MaxTextureSize)
+    if (!IsTextureSize(header.width, header.height))
         return false;
     if ((header.descriptor & Interleaved) || (header.descriptor & AlphaBits) > 8)
         return false;
