@@ -18,13 +18,13 @@ Device::Device(Direct3D& direct3D, std::unique_ptr<Backend> backend, HWND window
 
 Device::~Device() {
     RemoveDevice(*this);
-    UnbindAll();
+    unbindAll();
     if (mBackBuffer)
         mBackBuffer->Unbind();
     if (mScreenDepth)
         mScreenDepth->Unbind();
     if (mFullScreen)
-        ShowFullScreen(false);
+        showFullScreen(false);
     mDirect3D.LetGo();
 }
 
@@ -36,7 +36,7 @@ HRESULT Device::Make(Direct3D& direct3D, std::unique_ptr<Backend> backend, HWND 
     };
     std::unique_ptr<Device, Destroyer> made(new Device(direct3D, std::move(backend), window));
     Screen screen;
-    if (const HRESULT error = made->MakeScreen(filled, screen); FAILED(error))
+    if (const HRESULT error = made->makeScreen(filled, screen); FAILED(error))
         return error;
     const auto surface = [&made](const D3DSURFACE_DESC& desc) {
         auto* part =
@@ -47,9 +47,9 @@ HRESULT Device::Make(Direct3D& direct3D, std::unique_ptr<Backend> backend, HWND 
     made->mBackBuffer = surface(screen.colorDesc);
     made->mScreenDepth = surface(screen.depthDesc);
     LayoutOfFvf(0); // makes them all, since SetFVF has no answer for want of memory
-    made->TakeScreen(filled, std::move(screen));
+    made->takeScreen(filled, std::move(screen));
     if (!filled.Windowed)
-        made->ShowFullScreen(true);
+        made->showFullScreen(true);
     parameters = filled;
     *device = made.release();
     return D3D_OK;
@@ -102,7 +102,7 @@ HRESULT Device::EndScene() {
     if (!mInScene)
         return D3DERR_INVALIDCALL;
     mInScene = false;
-    FinishMips();
+    finishMips();
     return D3D_OK;
 }
 

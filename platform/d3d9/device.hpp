@@ -124,13 +124,13 @@ private:
         D3DSURFACE_DESC colorDesc = {}, depthDesc = {};
         std::unique_ptr<GpuTexture> color, depth;
     };
-    HRESULT MakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen);
-    void TakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen screen);
-    void ShowFullScreen(bool fullScreen);
-    void UnbindAll();
-    void SetDefaults();
-    HRESULT CreationError(D3DPOOL pool) const;
-    std::unique_ptr<GpuTexture> MakeTarget(const D3DSURFACE_DESC& desc);
+    HRESULT makeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen);
+    void takeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen screen);
+    void showFullScreen(bool fullScreen);
+    void unbindAll();
+    void setDefaults();
+    HRESULT creationError(D3DPOOL pool) const;
+    std::unique_ptr<GpuTexture> makeTarget(const D3DSURFACE_DESC& desc);
 
     /// Null for what this layer does not know.
     struct Slot {
@@ -138,30 +138,30 @@ private:
         unsigned int group = 0;
         DWORD least = 0, most = 0xffffffffu;
     };
-    HRESULT Store(const Slot& slot, DWORD value);
-    Slot RenderStateSlot(D3DRENDERSTATETYPE state);
-    Slot StageSlot(D3DTEXTURESTAGESTATETYPE type);
-    Slot SamplerSlot(DWORD sampler, D3DSAMPLERSTATETYPE type);
-    D3DMATRIX* TransformSlot(D3DTRANSFORMSTATETYPE type);
-    void StoreViewport(const D3DVIEWPORT9& viewport);
-    void SetLayout(const VertexLayout* layout);
-    void UpdateTarget();
+    HRESULT store(const Slot& slot, DWORD value);
+    Slot renderStateSlot(D3DRENDERSTATETYPE state);
+    Slot stageSlot(D3DTEXTURESTAGESTATETYPE type);
+    Slot samplerSlot(DWORD sampler, D3DSAMPLERSTATETYPE type);
+    D3DMATRIX* transformSlot(D3DTRANSFORMSTATETYPE type);
+    void storeViewport(const D3DVIEWPORT9& viewport);
+    void setLayout(const VertexLayout* layout);
+    void updateTarget();
     /// Levels that are made of the target's first are made anew if it was drawn to.
-    void FinishMips();
+    void finishMips();
 
-    bool MayDraw() const { return mInScene && mStatus == D3D_OK && mDepthFits; }
-    bool MayClear(DWORD flags, float z) const;
-    HRESULT CheckDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const;
+    bool mayDraw() const { return mInScene && mStatus == D3D_OK && mDepthFits; }
+    bool mayClear(DWORD flags, float z) const;
+    HRESULT checkDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const;
     /// Vertices that a host hands over with a draw: as many as may be read.
-    bool IsInMemory(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
+    bool isInMemory(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
                     UINT stride) const;
     /// That the bound vertices hold, from the offset on.
-    UINT BoundVertices() const;
-    void UploadBound();
-    HRESULT DrawChecked(const Primitive& primitive);
-    void NoteDraw(const Primitive& primitive);
-    void NoteTargetWritten() { mMipsAreOld = mTargetMakesMips; }
-    void PrepareOverlay(Texture* texture);
+    UINT boundVertices() const;
+    void uploadBound();
+    HRESULT drawChecked(const Primitive& primitive);
+    void noteDraw(const Primitive& primitive);
+    void noteTargetWritten() { mMipsAreOld = mTargetMakesMips; }
+    void prepareOverlay(Texture* texture);
 
     std::unique_ptr<Backend> mBackend; // the last to go
     Direct3D& mDirect3D;

@@ -63,7 +63,7 @@ HRESULT Device::GetTexture(DWORD stage, IDirect3DBaseTexture9** texture) {
     return D3D_OK;
 }
 
-void Device::SetLayout(const VertexLayout* layout) {
+void Device::setLayout(const VertexLayout* layout) {
     if (mLayout == layout)
         return;
     mLayout = layout;
@@ -76,7 +76,7 @@ HRESULT Device::SetFVF(DWORD fvf) {
     const VertexLayout* layout = LayoutOfFvf(fvf);
     if (!layout)
         return D3DERR_INVALIDCALL;
-    SetLayout(layout);
+    setLayout(layout);
     Rebind<VertexDeclaration>(mDeclaration, nullptr);
     return D3D_OK;
 }
@@ -86,7 +86,7 @@ HRESULT Device::SetVertexDeclaration(IDirect3DVertexDeclaration9* declaration) {
     auto* ours = static_cast<VertexDeclaration*>(declaration);
     if (ours && !ours->IsOf(*this))
         return D3DERR_INVALIDCALL;
-    SetLayout(ours ? &ours->Layout() : nullptr);
+    setLayout(ours ? &ours->Layout() : nullptr);
     Rebind(mDeclaration, ours);
     return D3D_OK;
 }
@@ -139,7 +139,7 @@ HRESULT Device::SetIndices(IDirect3DIndexBuffer9* buffer) {
 
 // --- targets
 
-void Device::UpdateTarget() {
+void Device::updateTarget() {
     const D3DSURFACE_DESC& color = mTarget->Desc();
     mDepthFits =
         !mDepth || (mDepth->Desc().Width >= color.Width && mDepth->Desc().Height >= color.Height);
@@ -152,7 +152,7 @@ void Device::UpdateTarget() {
     mChanged |= Changed::Target;
 }
 
-void Device::FinishMips() {
+void Device::finishMips() {
     if (!mMipsAreOld)
         return;
     mMipsAreOld = false;
@@ -168,10 +168,10 @@ HRESULT Device::SetRenderTarget(DWORD index, IDirect3DSurface9* surface) {
         ours->Level() != 0)
         return D3DERR_INVALIDCALL;
     if (ours != mTarget)
-        FinishMips();
+        finishMips();
     RebindSurface(mTarget, ours);
-    UpdateTarget();
-    StoreViewport({0, 0, ours->Desc().Width, ours->Desc().Height, 0, 1});
+    updateTarget();
+    storeViewport({0, 0, ours->Desc().Width, ours->Desc().Height, 0, 1});
     return D3D_OK;
 }
 
@@ -188,7 +188,7 @@ HRESULT Device::SetDepthStencilSurface(IDirect3DSurface9* surface) {
     if (ours && (!ours->Owner().IsOf(*this) || !ours->IsDepth()))
         return D3DERR_INVALIDCALL;
     RebindSurface(mDepth, ours);
-    UpdateTarget();
+    updateTarget();
     return D3D_OK;
 }
 

@@ -56,13 +56,13 @@ HRESULT MakeBuffer(Backend& backend, BufferKind kind, UINT length, D3DPOOL pool,
 
 } // namespace
 
-HRESULT Device::CreationError(D3DPOOL pool) const {
+HRESULT Device::creationError(D3DPOOL pool) const {
     if (mWindow && !LiveWindow(mWindow))
         return D3DERR_NOTAVAILABLE;
     return pool == D3DPOOL_DEFAULT && mStatus != D3D_OK ? D3DERR_DEVICELOST : D3D_OK;
 }
 
-std::unique_ptr<GpuTexture> Device::MakeTarget(const D3DSURFACE_DESC& desc) {
+std::unique_ptr<GpuTexture> Device::makeTarget(const D3DSURFACE_DESC& desc) {
     return mBackend->CreateTexture({desc.Width, desc.Height, 1, desc.Format, true});
 }
 
@@ -72,7 +72,7 @@ HRESULT Device::CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL 
     if (!buffer || !IsBufferCall(length, usage, pool))
         return D3DERR_INVALIDCALL;
     return Guarded([&]() -> HRESULT {
-        HRESULT result = CreationError(pool);
+        HRESULT result = creationError(pool);
         BufferParts parts;
         if (SUCCEEDED(result))
             result = MakeBuffer(*mBackend, BufferKind::Vertices, length, pool, parts);
@@ -93,7 +93,7 @@ HRESULT Device::CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3
     if (!buffer || !IsBufferCall(length, usage, pool) || (!wide && format != D3DFMT_INDEX16))
         return D3DERR_INVALIDCALL;
     return Guarded([&]() -> HRESULT {
-        HRESULT result = CreationError(pool);
+        HRESULT result = creationError(pool);
         BufferParts parts;
         if (SUCCEEDED(result))
             result = MakeBuffer(*mBackend, BufferKind::Indices, length, pool, parts);
@@ -115,7 +115,7 @@ HRESULT Device::CreateOffscreenPlainSurface(UINT w, UINT h, D3DFORMAT format, D3
         (pool != D3DPOOL_DEFAULT && pool != D3DPOOL_SYSTEMMEM))
         return D3DERR_INVALIDCALL;
     return Guarded([&]() -> HRESULT {
-        if (const HRESULT error = CreationError(pool); FAILED(error))
+        if (const HRESULT error = creationError(pool); FAILED(error))
             return error;
         PixelMemory memory(*known, w, h);
         if (!memory.IsThere())
@@ -137,7 +137,7 @@ HRESULT Device::CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFORMA
     if (!texture || !IsTextureCall(w, h, levels, usage, known, pool))
         return D3DERR_INVALIDCALL;
     return Guarded([&]() -> HRESULT {
-        if (const HRESULT error = CreationError(pool); FAILED(error))
+        if (const HRESULT error = creationError(pool); FAILED(error))
             return error;
 
         const bool makesMips = usage & D3DUSAGE_AUTOGENMIPMAP;
@@ -174,7 +174,7 @@ HRESULT Device::CreateDepthStencilSurface(UINT w, UINT h, D3DFORMAT format,
         multiSample != D3DMULTISAMPLE_NONE)
         return D3DERR_INVALIDCALL;
     return Guarded([&]() -> HRESULT {
-        if (const HRESULT error = CreationError(D3DPOOL_DEFAULT); FAILED(error))
+        if (const HRESULT error = creationError(D3DPOOL_DEFAULT); FAILED(error))
             return error;
         const D3DSURFACE_DESC desc = {format,
                                       D3DRTYPE_SURFACE,
@@ -184,7 +184,7 @@ HRESULT Device::CreateDepthStencilSurface(UINT w, UINT h, D3DFORMAT format,
                                       0,
                                       w,
                                       h};
-        std::unique_ptr<GpuTexture> gpu = MakeTarget(desc);
+        std::unique_ptr<GpuTexture> gpu = makeTarget(desc);
         if (!gpu)
             return D3DERR_OUTOFVIDEOMEMORY;
         auto* made =
@@ -205,7 +205,7 @@ HRESULT Device::CreateVertexDeclaration(const D3DVERTEXELEMENT9* elements,
         auto layout = LayoutOfElements(elements);
         if (!layout)
             return D3DERR_INVALIDCALL;
-        if (const HRESULT error = CreationError(D3DPOOL_MANAGED); FAILED(error))
+        if (const HRESULT error = creationError(D3DPOOL_MANAGED); FAILED(error))
             return error;
         auto* made = new VertexDeclaration(*this, std::move(*layout));
         made->Hold();

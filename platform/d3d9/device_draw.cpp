@@ -40,7 +40,7 @@ RECT Cut(const RECT& a, const D3DRECT& b) {
 
 HRESULT Device::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z,
                       DWORD stencil) {
-    const bool sound = MayClear(flags, z) && (count > 0) == (rects != nullptr);
+    const bool sound = mayClear(flags, z) && (count > 0) == (rects != nullptr);
     const CallScope call("Clear", count, RectRows{rects, sound ? count : 0}, flags, color, z,
                          stencil);
     if (mStatus != D3D_OK || !sound)
@@ -50,7 +50,7 @@ HRESULT Device::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR c
         if (rect.left >= rect.right || rect.top >= rect.bottom)
             return;
         mBackend->Clear(mState.target, rect, flags, color, z);
-        NoteTargetWritten();
+        noteTargetWritten();
     };
     return Guarded([&] {
         if (!rects)
@@ -61,7 +61,7 @@ HRESULT Device::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR c
     });
 }
 
-bool Device::MayClear(DWORD flags, float z) const {
+bool Device::mayClear(DWORD flags, float z) const {
     constexpr DWORD Known = D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL;
     if (flags == 0 || (flags & ~Known))
         return false;
@@ -73,21 +73,21 @@ bool Device::MayClear(DWORD flags, float z) const {
 
 // --- draws
 
-HRESULT Device::CheckDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const {
-    if (!MayDraw() || type < D3DPT_POINTLIST || type > D3DPT_TRIANGLEFAN ||
+HRESULT Device::checkDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const {
+    if (!mayDraw() || type < D3DPT_POINTLIST || type > D3DPT_TRIANGLEFAN ||
         primitiveCount > MaxPrimitives || !mLayout || !mLayout->hasPosition)
         return D3DERR_INVALIDCALL;
     return D3D_OK;
 }
 
-bool Device::IsInMemory(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
+bool Device::isInMemory(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
                         UINT stride) const {
     return vertices && mLayout && stride >= mLayout->size && stride <= MaxStride &&
            primitiveCount <= MaxPrimitives &&
            VerticesOf(type, primitiveCount) * stride <= MaxBufferSize;
 }
 
-UINT Device::BoundVertices() const {
+UINT Device::boundVertices() const {
     const UINT size = mVertices->content.Size(), needed = mLayout->size;
     if (mState.stride == 0 || mState.vertexOffset > size || size - mState.vertexOffset < needed)
         return 0;
@@ -98,7 +98,7 @@ HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT
                                      UINT vertexCount, UINT startIndex, UINT primitiveCount) {
     const CallScope call("DrawIndexedPrimitive", type, baseVertex, minVertex, vertexCount,
                          startIndex, primitiveCount);
-    if (FAILED(CheckDraw(type, primitiveCount)) || type == D3DPT_POINTLIST)
+    if (FAILED(checkDraw(type, primitiveCount)) || type == D3DPT_POINTLIST)
         return D3DERR_INVALIDCALL;
     if (primitiveCount == 0 || !mVertices || !mIndices)
         return D3D_OK;
@@ -108,50 +108,50 @@ HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT
     const std::int64_t first = std::int64_t(baseVertex) + minVertex;
     if (mVertices->content.IsLocked() || mIndices->content.IsLocked() ||
         indexEnd > mIndices->content.Size() / indexBytes || vertexCount == 0 || first < 0 ||
-        first >= BoundVertices())
+        first >= boundVertices())
         return D3DERR_INVALIDCALL;
     // Where the range ends is a hint, and hosts take it wide.
     Primitive primitive = {.type = type, .count = primitiveCount, .indexed = true};
     primitive.start = startIndex;
     primitive.baseVertex = baseVertex;
-    return DrawChecked(primitive);
+    return drawChecked(primitive);
 }
 
 HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT startVertex, UINT primitiveCount) {
     const CallScope call("DrawPrimitive", type, startVertex, primitiveCount);
-    if (const HRESULT error = CheckDraw(type, primitiveCount); FAILED(error))
+    if (const HRESULT error = checkDraw(type, primitiveCount); FAILED(error))
         return error;
     if (primitiveCount == 0 || !mVertices)
         return D3D_OK;
     if (mVertices->content.IsLocked() ||
-        startVertex + VerticesOf(type, primitiveCount) > BoundVertices())
+        startVertex + VerticesOf(type, primitiveCount) > boundVertices())
         return D3DERR_INVALIDCALL;
     Primitive primitive = {.type = type, .count = primitiveCount};
     primitive.start = startVertex;
-    return DrawChecked(primitive);
+    return drawChecked(primitive);
 }
 
 HRESULT Device::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices,
                                 UINT stride) {
-    const bool inMemory = IsInMemory(type, primitiveCount, vertices, stride);
+    const bool inMemory = isInMemory(type, primitiveCount, vertices, stride);
     VertexRows rows = {.values = vertices};
     if (inMemory)
         rows = {vertices, VerticesOf(type, primitiveCount), stride, mLayout->format.elements.data(),
                 mLayout->format.elements.size()};
     const CallScope call("DrawPrimitiveUP", type, primitiveCount, rows, stride);
-    if (!inMemory || FAILED(CheckDraw(type, primitiveCount)))
+    if (!inMemory || FAILED(checkDraw(type, primitiveCount)))
         return D3DERR_INVALIDCALL;
     if (primitiveCount == 0)
         return D3D_OK;
     Primitive primitive = {.type = type, .count = primitiveCount};
     primitive.userVertices = vertices;
     primitive.userStride = stride;
-    const HRESULT result = DrawChecked(primitive);
+    const HRESULT result = drawChecked(primitive);
     SetStreamSource(0, nullptr, 0, 0);
     return result;
 }
 
-void Device::UploadBound() {
+void Device::uploadBound() {
     for (Texture* texture : mTextures)
         if (texture && texture->IsBehind())
             texture->Upload();
@@ -162,26 +162,26 @@ void Device::UploadBound() {
     mSomethingBehind = false;
 }
 
-HRESULT Device::DrawChecked(const Primitive& primitive) {
+HRESULT Device::drawChecked(const Primitive& primitive) {
     return Guarded([&] {
         if (mSomethingBehind)
-            UploadBound();
+            uploadBound();
         mBackend->Draw(mState, mChanged, primitive);
         mChanged = 0;
-        NoteDraw(primitive);
+        noteDraw(primitive);
         return D3D_OK;
     });
 }
 
-void Device::NoteDraw(const Primitive& primitive) {
-    NoteTargetWritten();
+void Device::noteDraw(const Primitive& primitive) {
+    noteTargetWritten();
     ++frameCount.draws;
     frameCount.primitives += primitive.count;
 }
 
 // --- overlay
 
-void Device::PrepareOverlay(Texture* texture) {
+void Device::prepareOverlay(Texture* texture) {
     State& state = mOverlay;
     const D3DVIEWPORT9& v = mState.viewport;
     state.target = mState.target;
@@ -235,13 +235,13 @@ HRESULT Device::DrawOverlay(const OverlayVertex* vertices, UINT count, IDirect3D
         });
         if (ours && ours->IsBehind())
             ours->Upload();
-        PrepareOverlay(ours);
+        prepareOverlay(ours);
         Primitive primitive = {.type = D3DPT_TRIANGLELIST, .count = count / 3};
         primitive.userVertices = list.data();
         primitive.userStride = sizeof(Vertex);
         mChanged = Changed::All;
         mBackend->Draw(mOverlay, Changed::All, primitive);
-        NoteDraw(primitive);
+        noteDraw(primitive);
         return D3D_OK;
     });
 }

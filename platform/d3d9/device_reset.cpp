@@ -50,43 +50,43 @@ HRESULT Device::Reset(D3DPRESENT_PARAMETERS* parameters) {
     if (mInTheWay > 0)
         return fail(D3DERR_INVALIDCALL);
     Screen screen;
-    if (const HRESULT error = MakeScreen(*filled, screen); FAILED(error))
+    if (const HRESULT error = makeScreen(*filled, screen); FAILED(error))
         return fail(error);
 
-    UnbindAll();
+    unbindAll();
     if (window != mWindow && mFullScreen)
-        ShowFullScreen(false);
+        showFullScreen(false);
     mWindow = window;
     mStatus = D3D_OK;
-    TakeScreen(*filled, std::move(screen));
-    ShowFullScreen(!filled->Windowed);
+    takeScreen(*filled, std::move(screen));
+    showFullScreen(!filled->Windowed);
     *parameters = *filled;
     return D3D_OK;
 }
 
-HRESULT Device::MakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen) {
+HRESULT Device::makeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen& screen) {
     const bool hasDepth = parameters.EnableAutoDepthStencil != FALSE;
     screen.colorDesc = ScreenDesc(parameters, parameters.BackBufferFormat, D3DUSAGE_RENDERTARGET);
     if (hasDepth)
         screen.depthDesc =
             ScreenDesc(parameters, parameters.AutoDepthStencilFormat, D3DUSAGE_DEPTHSTENCIL);
     return Guarded([&] {
-        screen.color = MakeTarget(screen.colorDesc);
+        screen.color = makeTarget(screen.colorDesc);
         if (screen.color && hasDepth)
-            screen.depth = MakeTarget(screen.depthDesc);
+            screen.depth = makeTarget(screen.depthDesc);
         const bool whole = screen.color && (screen.depth || !hasDepth);
         return whole ? D3D_OK : D3DERR_OUTOFVIDEOMEMORY;
     });
 }
 
-void Device::TakeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen screen) {
+void Device::takeScreen(const D3DPRESENT_PARAMETERS& parameters, Screen screen) {
     mParameters = parameters;
     mBackBuffer->Renew(screen.colorDesc, std::move(screen.color));
     mScreenDepth->Renew(screen.depthDesc, std::move(screen.depth));
-    SetDefaults();
+    setDefaults();
 }
 
-void Device::ShowFullScreen(bool fullScreen) {
+void Device::showFullScreen(bool fullScreen) {
     HWND__* window = LiveWindow(mWindow);
     // What is there by its style is not the device's to end.
     mFullScreen = fullScreen && (mFullScreen || (window && !window->fullScreen));
@@ -98,7 +98,7 @@ void Device::ShowFullScreen(bool fullScreen) {
         LeaveFullScreen(*window);
 }
 
-void Device::UnbindAll() {
+void Device::unbindAll() {
     // What a host has let go of dies here, so no pointer to it may stay in the state.
     mState.textures = {};
     for (Texture*& texture : mTextures)
@@ -121,7 +121,7 @@ void Device::UnbindAll() {
         bound->Owner().Unbind();
 }
 
-void Device::SetDefaults() {
+void Device::setDefaults() {
     mInScene = false;
     mSomethingBehind = false;
     mMipsAreOld = false;
@@ -135,7 +135,7 @@ void Device::SetDefaults() {
         mDepth = mScreenDepth;
         mDepth->Owner().Bind();
     }
-    UpdateTarget();
+    updateTarget();
     const D3DSURFACE_DESC& desc = mTarget->Desc();
     mState.viewport = {0, 0, desc.Width, desc.Height, 0, 1};
     mChanged = Changed::All;

@@ -63,7 +63,7 @@ bool IsTransform(DWORD type) {
 
 // --- transforms, viewport, lights
 
-D3DMATRIX* Device::TransformSlot(D3DTRANSFORMSTATETYPE type) {
+D3DMATRIX* Device::transformSlot(D3DTRANSFORMSTATETYPE type) {
     switch (type) {
     case D3DTS_WORLD:
         return &mState.world;
@@ -80,7 +80,7 @@ D3DMATRIX* Device::TransformSlot(D3DTRANSFORMSTATETYPE type) {
 
 HRESULT Device::SetTransform(D3DTRANSFORMSTATETYPE type, const D3DMATRIX* matrix) {
     const CallScope call("SetTransform", type, matrix);
-    D3DMATRIX* place = TransformSlot(type);
+    D3DMATRIX* place = transformSlot(type);
     if (!matrix || (!place && !IsTransform(type)))
         return D3DERR_INVALIDCALL;
     if (place && StoreRecord(*place, *matrix))
@@ -90,7 +90,7 @@ HRESULT Device::SetTransform(D3DTRANSFORMSTATETYPE type, const D3DMATRIX* matrix
 
 HRESULT Device::GetTransform(D3DTRANSFORMSTATETYPE type, D3DMATRIX* matrix) {
     const CallScope call("GetTransform", type);
-    const D3DMATRIX* place = TransformSlot(type);
+    const D3DMATRIX* place = transformSlot(type);
     if (!matrix || !place)
         return D3DERR_INVALIDCALL;
     *matrix = *place;
@@ -109,11 +109,11 @@ HRESULT Device::SetViewport(const D3DVIEWPORT9* viewport) {
     if (!isPart(v.X, v.Width, target.Width) || !isPart(v.Y, v.Height, target.Height) ||
         !IsDepthValue(v.MinZ) || !IsDepthValue(v.MaxZ))
         return D3DERR_INVALIDCALL;
-    StoreViewport(v);
+    storeViewport(v);
     return D3D_OK;
 }
 
-void Device::StoreViewport(const D3DVIEWPORT9& viewport) {
+void Device::storeViewport(const D3DVIEWPORT9& viewport) {
     if (StoreRecord(mState.viewport, viewport))
         mChanged |= Changed::Viewport;
 }
@@ -156,7 +156,7 @@ HRESULT Device::LightEnable(DWORD index, BOOL on) {
 
 // --- numbered states
 
-HRESULT Device::Store(const Slot& slot, DWORD value) {
+HRESULT Device::store(const Slot& slot, DWORD value) {
     if (value < slot.least || value > slot.most)
         return D3DERR_INVALIDCALL;
     if (*slot.value != value) {
@@ -166,7 +166,7 @@ HRESULT Device::Store(const Slot& slot, DWORD value) {
     return D3D_OK;
 }
 
-Device::Slot Device::RenderStateSlot(D3DRENDERSTATETYPE state) {
+Device::Slot Device::renderStateSlot(D3DRENDERSTATETYPE state) {
     switch (state) {
     case D3DRS_ZENABLE:
         return {&mState.depth.enable, Changed::Depth, FALSE, TRUE};
@@ -207,7 +207,7 @@ Device::Slot Device::RenderStateSlot(D3DRENDERSTATETYPE state) {
 
 HRESULT Device::SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
     const CallScope call("SetRenderState", state, value);
-    const Slot slot = RenderStateSlot(state);
+    const Slot slot = renderStateSlot(state);
     if (!slot.value)
         return state >= D3DRS_ZENABLE && state <= LastRenderState ? D3D_OK : D3DERR_INVALIDCALL;
     // Switches take any number, the bits beyond masks and references have no meaning.
@@ -217,19 +217,19 @@ HRESULT Device::SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
         value &= 0xff;
     else if (state == D3DRS_COLORWRITEENABLE)
         value &= 0xf;
-    return Store(slot, value);
+    return store(slot, value);
 }
 
 HRESULT Device::GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) {
     const CallScope call("GetRenderState", state);
-    const Slot slot = RenderStateSlot(state);
+    const Slot slot = renderStateSlot(state);
     if (!slot.value || !value)
         return D3DERR_INVALIDCALL;
     *value = *slot.value;
     return D3D_OK;
 }
 
-Device::Slot Device::StageSlot(D3DTEXTURESTAGESTATETYPE type) {
+Device::Slot Device::stageSlot(D3DTEXTURESTAGESTATETYPE type) {
     TextureStage& stage = mState.stage;
     switch (type) {
     case D3DTSS_COLOROP:
@@ -255,25 +255,25 @@ HRESULT Device::SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type,
     const CallScope call("SetTextureStageState", stage, type, value);
     if (stage >= MaxTextures || type < D3DTSS_COLOROP || type > LastStageState)
         return D3DERR_INVALIDCALL;
-    const Slot slot = StageSlot(type);
+    const Slot slot = stageSlot(type);
     // The other stages are off.
     if (stage > 0 || !slot.value)
         return D3D_OK;
     if (type == D3DTSS_TEXTURETRANSFORMFLAGS && value == 1) // one coordinate
         return D3DERR_INVALIDCALL;
-    return Store(slot, value);
+    return store(slot, value);
 }
 
 HRESULT Device::GetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD* value) {
     const CallScope call("GetTextureStageState", stage, type);
-    const Slot slot = StageSlot(type);
+    const Slot slot = stageSlot(type);
     if (stage > 0 || !slot.value || !value)
         return D3DERR_INVALIDCALL;
     *value = *slot.value;
     return D3D_OK;
 }
 
-Device::Slot Device::SamplerSlot(DWORD sampler, D3DSAMPLERSTATETYPE type) {
+Device::Slot Device::samplerSlot(DWORD sampler, D3DSAMPLERSTATETYPE type) {
     Sampler& states = mState.samplers[sampler];
     switch (type) {
     case D3DSAMP_ADDRESSU:
@@ -297,13 +297,13 @@ HRESULT Device::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD v
     const CallScope call("SetSamplerState", sampler, type, value);
     if (sampler >= MaxTextures || type < D3DSAMP_ADDRESSU || type > LastSamplerState)
         return D3DERR_INVALIDCALL;
-    const Slot slot = SamplerSlot(sampler, type);
-    return slot.value ? Store(slot, value) : D3D_OK;
+    const Slot slot = samplerSlot(sampler, type);
+    return slot.value ? store(slot, value) : D3D_OK;
 }
 
 HRESULT Device::GetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD* value) {
     const CallScope call("GetSamplerState", sampler, type);
-    const Slot slot = sampler < MaxTextures ? SamplerSlot(sampler, type) : Slot{};
+    const Slot slot = sampler < MaxTextures ? samplerSlot(sampler, type) : Slot{};
     if (!slot.value || !value)
         return D3DERR_INVALIDCALL;
     *value = *slot.value;

@@ -10,7 +10,7 @@ PixelMemory::PixelMemory(const PixelFormat& format, UINT width, UINT height)
       mPitch(PitchOf(format, width)),
       mPixels(MakeMemory(std::size_t(mPitch) * BlocksOf(format, height))) {}
 
-bool PixelMemory::IsPart(const RECT& rect) const {
+bool PixelMemory::isPart(const RECT& rect) const {
     const auto side = static_cast<LONG>(mFormat->blockSide);
     const auto isEdge = [side](LONG place, LONG end) { return place % side == 0 || place == end; };
     return rect.left >= 0 && rect.top >= 0 && rect.left < rect.right && rect.top < rect.bottom &&
@@ -21,7 +21,7 @@ bool PixelMemory::IsPart(const RECT& rect) const {
 HRESULT PixelMemory::Lock(D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
     const RECT all = {0, 0, mWidth, mHeight};
     const RECT& part = rect ? *rect : all;
-    if (!locked || mLocked || !IsPart(part))
+    if (!locked || mLocked || !isPart(part))
         return D3DERR_INVALIDCALL;
     mLocked = true;
     mWriting = flags & D3DLOCK_READONLY ? RECT{} : part;

@@ -32,7 +32,7 @@ public:
     void ForgetWritten() { mWritten = {}; }
 
 private:
-    bool IsPart(const RECT& rect) const;
+    bool isPart(const RECT& rect) const;
 
     const PixelFormat* mFormat;
     LONG mWidth, mHeight;

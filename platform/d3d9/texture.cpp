@@ -28,7 +28,7 @@ HRESULT Texture::GetLevelDesc(UINT level, D3DSURFACE_DESC* description) {
     const CallScope call("GetLevelDesc", level);
     if (level >= mParts.levels || !description)
         return D3DERR_INVALIDCALL;
-    *description = LevelDesc(level);
+    *description = levelDesc(level);
     return D3D_OK;
 }
 
@@ -37,7 +37,7 @@ HRESULT Texture::GetSurfaceLevel(UINT level, IDirect3DSurface9** surface) {
     if (level >= mParts.levels || !surface)
         return D3DERR_INVALIDCALL;
     return Guarded([&] {
-        *surface = &LevelObject(level);
+        *surface = &levelObject(level);
         Hold();
         return D3D_OK;
     });
@@ -85,17 +85,17 @@ void Texture::Upload() {
     mBehind = false;
 }
 
-D3DSURFACE_DESC Texture::LevelDesc(UINT level) const {
+D3DSURFACE_DESC Texture::levelDesc(UINT level) const {
     D3DSURFACE_DESC desc = mParts.desc;
     desc.Width = LevelSide(desc.Width, level);
     desc.Height = LevelSide(desc.Height, level);
     return desc;
 }
 
-TextureLevel& Texture::LevelObject(UINT level) {
+TextureLevel& Texture::levelObject(UINT level) {
     auto& object = mLevels[level];
     if (!object)
-        object = std::make_unique<TextureLevel>(*this, level, LevelDesc(level));
+        object = std::make_unique<TextureLevel>(*this, level, levelDesc(level));
     return *object;
 }
 

@@ -40,8 +40,8 @@ public:
     void Upload();
 
 private:
-    D3DSURFACE_DESC LevelDesc(UINT level) const;
-    TextureLevel& LevelObject(UINT level);
+    D3DSURFACE_DESC levelDesc(UINT level) const;
+    TextureLevel& levelObject(UINT level);
 
     Parts mParts;
     std::vector<std::unique_ptr<TextureLevel>> mLevels; // null before somebody asks

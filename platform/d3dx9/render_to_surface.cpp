@@ -23,19 +23,19 @@ public:
 
     HRESULT BeginScene(IDirect3DSurface9* surface, const D3DVIEWPORT9* viewport) override {
         const CallScope call("BeginScene", surface, viewport);
-        if (mInScene || !surface || !IsOfKind(*surface) || (viewport && !IsInside(*viewport)))
+        if (mInScene || !surface || !isOfKind(*surface) || (viewport && !isInside(*viewport)))
             return D3DERR_INVALIDCALL;
         // First of all, since this is what fails inside a scene.
         HRESULT result = Device().BeginScene();
         if (FAILED(result))
             return result;
-        result = Set(*surface, viewport);
+        result = set(*surface, viewport);
         if (SUCCEEDED(result)) {
             mInScene = true;
             return result;
         }
         Device().EndScene();
-        PutBack();
+        putBack();
         return result;
     }
 
@@ -45,7 +45,7 @@ public:
             return D3DERR_INVALIDCALL;
         mInScene = false;
         const HRESULT result = Device().EndScene();
-        PutBack();
+        putBack();
         return result;
     }
 
@@ -55,18 +55,18 @@ private:
             EndScene(D3DX_FILTER_NONE);
     }
 
-    bool IsOfKind(IDirect3DSurface9& surface) const {
+    bool isOfKind(IDirect3DSurface9& surface) const {
         D3DSURFACE_DESC desc = {};
         return SUCCEEDED(surface.GetDesc(&desc)) && desc.Width == mKind.width &&
                desc.Height == mKind.height && desc.Format == mKind.format;
     }
 
-    bool IsInside(const D3DVIEWPORT9& viewport) const {
+    bool isInside(const D3DVIEWPORT9& viewport) const {
         return viewport.X <= mKind.width && viewport.Width <= mKind.width - viewport.X &&
                viewport.Y <= mKind.height && viewport.Height <= mKind.height - viewport.Y;
     }
 
-    HRESULT Set(IDirect3DSurface9& surface, const D3DVIEWPORT9* viewport) {
+    HRESULT set(IDirect3DSurface9& surface, const D3DVIEWPORT9* viewport) {
         IDirect3DDevice9& device = Device();
         IDirect3DSurface9* before = nullptr;
         HRESULT result = device.GetRenderTarget(0, &before);
@@ -88,7 +88,7 @@ private:
         return result;
     }
 
-    void PutBack() {
+    void putBack() {
         if (!mOldTarget)
             return;
         Device().SetRenderTarget(0, mOldTarget.get());

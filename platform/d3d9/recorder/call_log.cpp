@@ -56,7 +56,7 @@ void AppendElement(std::string& text, const std::byte* from, BYTE type) {
 constinit int CallScope::logCount = 0;
 constinit int CallScope::depth = 0;
 
-void CallScope::Keep(const std::string& text) {
+void CallScope::keep(const std::string& text) {
     for (std::vector<std::string>* log : Logs())
         log->push_back(text);
 }

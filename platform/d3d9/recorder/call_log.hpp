@@ -76,7 +76,7 @@ public:
         if (!mInside) [[likely]]
             return;
         if (depth++ == 0)
-            Tell(name, arguments...);
+            tell(name, arguments...);
     }
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
@@ -89,15 +89,15 @@ private:
     friend class CallLog;
 
     template <typename... Arguments>
-    [[gnu::noinline, gnu::cold]] static void Tell(const char* name, const Arguments&... arguments) {
+    [[gnu::noinline, gnu::cold]] static void tell(const char* name, const Arguments&... arguments) {
         std::string text = name;
         text += '(';
         [[maybe_unused]] const char* separator = "";
         ((text += separator, AppendText(text, arguments), separator = ", "), ...);
         text += ')';
-        Keep(text);
+        keep(text);
     }
-    static void Keep(const std::string& text);
+    static void keep(const std::string& text);
 
     static constinit int logCount; // that live
     static constinit int depth;    // of calls, while a log lives

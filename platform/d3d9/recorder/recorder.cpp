@@ -20,7 +20,7 @@ public:
         : mDesc(desc), mFormat(format) {
         const bool kept = format.use == PixelUse::Color;
         for (UINT level = 0; kept && level < desc.levels; ++level)
-            mLevels.push_back(MakeMemory(std::size_t(Pitch(level)) *
+            mLevels.push_back(MakeMemory(std::size_t(pitch(level)) *
                                          BlocksOf(format, LevelSide(desc.height, level))));
         ++recorderObjects.textures;
     }
@@ -35,7 +35,7 @@ public:
 
     void Write(UINT level, const RECT& rect, const void* pixels, UINT pitch) override {
         const auto* from = static_cast<const std::byte*>(pixels);
-        ForEachRow(level, rect, [&](std::byte* row, std::size_t bytes, std::size_t index) {
+        forEachRow(level, rect, [&](std::byte* row, std::size_t bytes, std::size_t index) {
             std::memcpy(row, from + index * pitch, bytes);
         });
     }
@@ -44,7 +44,7 @@ public:
         if (mLevels.empty() || mFormat.blockSide > 1)
             return false;
         auto* to = static_cast<std::byte*>(pixels);
-        ForEachRow(level, rect, [&](std::byte* row, std::size_t bytes, std::size_t index) {
+        forEachRow(level, rect, [&](std::byte* row, std::size_t bytes, std::size_t index) {
             std::byte* line = to + index * pitch;
             std::memcpy(line, row, bytes);
             for (std::size_t x = 3; mDesc.format == D3DFMT_X8R8G8B8 && x < bytes; x += 4)
@@ -56,24 +56,24 @@ public:
     void GenerateMips() override {} // they only show where something is drawn
 
     void Fill(const RECT& rect, D3DCOLOR color) {
-        ForEachRow(0, rect, [&](std::byte* row, std::size_t bytes, std::size_t /*index*/) {
+        forEachRow(0, rect, [&](std::byte* row, std::size_t bytes, std::size_t /*index*/) {
             for (std::size_t x = 0; x < bytes; x += sizeof color)
                 std::memcpy(row + x, &color, sizeof color);
         });
     }
 
 private:
-    UINT Pitch(UINT level) const { return PitchOf(mFormat, LevelSide(mDesc.width, level)); }
+    UINT pitch(UINT level) const { return PitchOf(mFormat, LevelSide(mDesc.width, level)); }
 
     template <typename Function>
-    void ForEachRow(UINT level, const RECT& rect, Function function) {
+    void forEachRow(UINT level, const RECT& rect, Function function) {
         const UINT side = mFormat.blockSide;
         const std::size_t left = static_cast<UINT>(rect.left) / side;
         const std::size_t right = BlocksOf(mFormat, static_cast<UINT>(rect.right));
         const std::size_t top = static_cast<UINT>(rect.top) / side;
         const std::size_t bottom = BlocksOf(mFormat, static_cast<UINT>(rect.bottom));
         for (std::size_t y = top; y < bottom; ++y)
-            function(mLevels[level].get() + y * Pitch(level) + left * mFormat.blockBytes,
+            function(mLevels[level].get() + y * pitch(level) + left * mFormat.blockBytes,
                      (right - left) * mFormat.blockBytes, y - top);
     }
 

@@ -88,14 +88,14 @@ public:
         const CallScope call("DrawTextA", static_cast<const void*>(sprite), counted, count,
                              static_cast<const RECT*>(rect), format, color);
         try {
-            return DrawLines(counted.View(), rect, format, color);
+            return drawLines(counted.View(), rect, format, color);
         } catch (const std::bad_alloc&) {
             return 0;
         }
     }
 
 private:
-    INT DrawLines(std::string_view text, RECT* rect, DWORD format, D3DCOLOR color) {
+    INT drawLines(std::string_view text, RECT* rect, DWORD format, D3DCOLOR color) {
         // Without a rectangle the text starts at the upper left of the target, and is not cut.
         const Box box = rect ? Box{rect->left, rect->top, rect->right, rect->bottom} : Box{};
         TextRules rules;
@@ -108,14 +108,14 @@ private:
         const std::int64_t height = static_cast<std::int64_t>(lines.size()) * mFace->LineHeight();
         if (format & DT_CALCRECT) {
             if (rect)
-                Measure(lines, height, *rect);
-        } else if (FAILED(Draw(lines, box, height, rect ? format : format | DT_NOCLIP, color))) {
+                measure(lines, height, *rect);
+        } else if (FAILED(draw(lines, box, height, rect ? format : format | DT_NOCLIP, color))) {
             return 0;
         }
         return static_cast<INT>(ToLong(height));
     }
 
-    static void Measure(const std::vector<TextLine>& lines, std::int64_t height, RECT& rect) {
+    static void measure(const std::vector<TextLine>& lines, std::int64_t height, RECT& rect) {
         std::int64_t width = 0;
         for (const TextLine& line : lines)
             width = std::max(width, line.width);
@@ -123,7 +123,7 @@ private:
         rect.bottom = ToLong(rect.top + height);
     }
 
-    HRESULT Draw(const std::vector<TextLine>& lines, const Box& box, std::int64_t height,
+    HRESULT draw(const std::vector<TextLine>& lines, const Box& box, std::int64_t height,
                  DWORD format, D3DCOLOR color) {
         auto* overlay = dynamic_cast<Overlay*>(&Device());
         if (!overlay)

@@ -141,7 +141,7 @@ UINT FontFace::Glyph(char32_t character) const {
     return FT_Get_Char_Index(mLibrary->face, character);
 }
 
-bool FontFace::Load(UINT glyph) {
+bool FontFace::load(UINT glyph) {
     const FT_Face face = mLibrary->face;
     if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_BITMAP | FT_LOAD_TARGET_NORMAL))
         return false;
@@ -157,7 +157,7 @@ CharacterSize FontFace::Size(UINT glyph) {
     if (known != mSizes.end())
         return known->second;
     CharacterSize size;
-    if (Load(glyph)) {
+    if (load(glyph)) {
         const FT_GlyphSlot slot = mLibrary->face->glyph;
         size.advance = static_cast<int>((slot->advance.x + 32) >> 6);
         FT_BBox box = {};
@@ -171,7 +171,7 @@ CharacterSize FontFace::Size(UINT glyph) {
 
 GlyphPicture FontFace::Draw(UINT glyph) {
     const FT_GlyphSlot slot = mLibrary->face->glyph;
-    if (!Load(glyph) || FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) ||
+    if (!load(glyph) || FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) ||
         slot->bitmap.pixel_mode != FT_PIXEL_MODE_GRAY)
         return {};
     const FT_Bitmap& bitmap = slot->bitmap;

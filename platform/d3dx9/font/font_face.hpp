@@ -60,7 +60,7 @@ private:
     struct Library;
 
     explicit FontFace(std::unique_ptr<Library> library);
-    bool Load(UINT glyph);
+    bool load(UINT glyph);
 
     std::unique_ptr<Library> mLibrary;
     int mLineHeight = 0, mAscent = 0;

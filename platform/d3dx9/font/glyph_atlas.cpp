@@ -57,7 +57,7 @@ bool GlyphAtlas::Page::Place(int glyphWidth, int glyphHeight, int& x, int& y) {
     return true;
 }
 
-GlyphAtlas::Page* GlyphAtlas::AddPage(int width, int height) {
+GlyphAtlas::Page* GlyphAtlas::addPage(int width, int height) {
     if (width > static_cast<int>(MaxTextureSize) || height > static_cast<int>(MaxTextureSize))
         return nullptr;
     IDirect3DTexture9* made = nullptr;
@@ -77,7 +77,7 @@ GlyphAtlas::Page* GlyphAtlas::AddPage(int width, int height) {
     return &mPages.back();
 }
 
-bool GlyphAtlas::Write(Page& page, const GlyphPicture& picture, AtlasGlyph& glyph) {
+bool GlyphAtlas::write(Page& page, const GlyphPicture& picture, AtlasGlyph& glyph) {
     const RECT rect = {glyph.x, glyph.y, glyph.x + picture.width, glyph.y + picture.height};
     D3DLOCKED_RECT locked = {};
     if (FAILED(page.texture.Get()->LockRect(0, &locked, &rect, 0)))
@@ -105,12 +105,12 @@ const AtlasGlyph* GlyphAtlas::Find(UINT glyph) {
     if (!picture.coverage.empty()) {
         Page* page = mPages.empty() ? nullptr : &mPages.back();
         if (!page || !page->Place(picture.width, picture.height, placed.x, placed.y)) {
-            page = AddPage(PageSide(mFace.LineHeight(), picture.width),
+            page = addPage(PageSide(mFace.LineHeight(), picture.width),
                            PageSide(mFace.LineHeight(), picture.height));
             if (!page || !page->Place(picture.width, picture.height, placed.x, placed.y))
                 return nullptr;
         }
-        if (!Write(*page, picture, placed))
+        if (!write(*page, picture, placed))
             return nullptr;
         placed.page = page->texture.Get();
         placed.pageWidth = page->width, placed.pageHeight = page->height;

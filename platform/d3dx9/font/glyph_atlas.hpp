@@ -53,8 +53,8 @@ private:
         bool Place(int width, int height, int& x, int& y);
     };
 
-    Page* AddPage(int width, int height);
-    bool Write(Page& page, const GlyphPicture& picture, AtlasGlyph& glyph);
+    Page* addPage(int width, int height);
+    bool write(Page& page, const GlyphPicture& picture, AtlasGlyph& glyph);
 
     IDirect3DDevice9& mDevice;
     FontFace& mFace;
