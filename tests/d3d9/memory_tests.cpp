@@ -15,10 +15,11 @@ thread_local int untilFailure = -1;
 
 } // namespace
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return untilFailure >= 0 && untilFailure-- == 0 ? nullptr : std::malloc(size ? size : 1);
+}
 void* operator new(std::size_t size) {
-    if (untilFailure >= 0 && untilFailure-- == 0)
-        throw std::bad_alloc();
-    if (void* memory = std::malloc(size ? size : 1))
+    if (void* memory = operator new(size, std::nothrow))
         return memory;
     throw std::bad_alloc();
 }
@@ -26,6 +27,9 @@ void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 
