@@ -5,6 +5,7 @@
 
 #include "fuzz/fuzz.hpp"
 #include "platform/d3d9/limits.hpp"
+#include "platform/d3d9/pixel_format.hpp"
 #include "platform/d3dx9/texture/image.hpp"
 
 namespace Fuzz {
@@ -19,7 +20,7 @@ inline void RequireWhole(VornPlatform::Image& image) {
     // To make the levels of a huge one takes the search its time.
     if (image.width * image.height <= 1 << 16)
         CompleteLevels(image);
-    Require(image.levels.size() <= LevelCount(image.width, image.height), "too many levels");
+    Require(image.levels.size() <= FullLevels(image.width, image.height), "too many levels");
     for (UINT level = 0; level < image.levels.size(); ++level)
         Require(image.levels[level].size() == LevelBytes(image.format,
                                                          LevelSide(image.width, level),
