@@ -3,6 +3,7 @@
 // `vorn`, the author's one command. Each of its commands is a file pair beside this one.
 #include "tools/import.hpp"
 #include "tools/import/assets.hpp"
+#include "tools/shader.hpp"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -73,22 +74,47 @@ CLI::App* addImport(CLI::App& app, Import::Options& options) {
     return command;
 }
 
+CLI::App* addShader(CLI::App& app, Shader::Options& options) {
+    CLI::App* command = app.add_subcommand(
+        "shader", "Compiles an effect file, or a shader by itself, as the engine does, and tells "
+                  "what came out");
+    command->add_option("FILE", options.file, "An effect file; with --entry, a shader's")
+        ->required();
+    CLI::Option* entry =
+        command->add_option("-e,--entry", options.entry, "The function of a shader by itself")
+            ->type_name("NAME");
+    CLI::Option* profile =
+        command->add_option("-p,--profile", options.profile, "What to compile it for: vs_3_0")
+            ->type_name("PROFILE");
+    entry->needs(profile);
+    profile->needs(entry);
+    command->add_option("-D,--define", options.defines, "A macro; without a value it is 1")
+        ->type_name("NAME[=VALUE]")
+        ->allow_extra_args(false);
+    command->footer("Errors and warnings name file and line, as a compiler does.");
+    return command;
+}
+
 int run(int argc, char** argv) {
     CLI::App app("The tool of who makes games with Vorn.", "vorn");
     app.set_version_flag("--version", "vorn " VORN_VERSION);
     app.require_subcommand(1);
     Import::Options options;
     const CLI::App* import = addImport(app, options);
+    Shader::Options shaderOptions;
+    const CLI::App* shader = addShader(app, shaderOptions);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
             return app.exit(error);
         std::cerr << "vorn: " << error.what() << "\n\n"
-                  << (import->parsed() ? import->help("vorn") : app.help());
+                  << (import->parsed()   ? import->help("vorn")
+                      : shader->parsed() ? shader->help("vorn")
+                                         : app.help());
         return wrongArguments;
     }
-    return Import::Run(options);
+    return shader->parsed() ? Shader::Run(shaderOptions) : Import::Run(options);
 }
 
 } // namespace

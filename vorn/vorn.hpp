@@ -27,6 +27,7 @@
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/physics/physics_system.hpp"
 #include "vorn/physics/ray_cast.hpp"
+#include "vorn/render/camera.hpp"
 #include "vorn/render/emitter_cmpt.hpp"
 #include "vorn/render/emitter_system.hpp"
 #include "vorn/render/graphic.hpp"

@@ -138,9 +138,14 @@ struct LiveObjects {
     int vertexBuffers = 0;
     int indexBuffers = 0;
     int declarations = 0;
+    int vertexShaders = 0; // those of effects included
+    int pixelShaders = 0;
     int fonts = 0;
     int lines = 0;
     int renderToSurfaces = 0;
+    int dataBuffers = 0; // of D3DX: code and texts
+    int constantTables = 0;
+    int effects = 0;
 
     bool operator==(const LiveObjects&) const = default;
 };
@@ -153,6 +158,15 @@ struct GpuObjects {
     bool operator==(const GpuObjects&) const = default;
 };
 GpuObjects CountGpuObjects();
+
+/// Since the process began.
+struct ShaderCounters {
+    int compiled = 0; // shaders, from their text
+    int linked = 0;   // programs of OpenGL, of two stages each
+
+    bool operator==(const ShaderCounters&) const = default;
+};
+ShaderCounters CountShaders();
 
 /// Since the last Present, of all devices together.
 struct FrameCounters {

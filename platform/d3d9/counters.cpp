@@ -17,6 +17,10 @@ FrameCounters CountFrame() {
     return counters;
 }
 
+ShaderCounters CountShaders() {
+    return shaderCount;
+}
+
 GpuObjects CountGpuObjects() {
     return {glCounters.textures + recorderObjects.textures,
             glCounters.buffers + recorderObjects.buffers};

@@ -13,6 +13,8 @@ inline constinit FrameCounters frameCount;
 /// Of the recorder.
 inline constinit GpuObjects recorderObjects;
 
+inline constinit ShaderCounters shaderCount;
+
 /// A frame is shown.
 void BeginFrameCount();
 

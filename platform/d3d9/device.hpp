@@ -8,13 +8,16 @@
 // does not are taken and passed over, and cannot be asked for; numbers that Direct3D does not know,
 // and values that the layer cannot follow, are refused with D3DERR_INVALIDCALL.
 //
-// The sources are split by verb: device_create.cpp, _state.cpp, _bind.cpp, _draw.cpp, _reset.cpp.
+// The sources are split by verb: device_create.cpp, _state.cpp, _bind.cpp, _shaders.cpp,
+// _draw.cpp, _reset.cpp.
 #pragma once
 
 #include "platform/d3d9/backend.hpp"
 #include "platform/d3d9/direct3d.hpp"
+#include "platform/d3d9/effect_host.hpp"
 #include "platform/d3d9/index_buffer.hpp"
 #include "platform/d3d9/overlay.hpp"
+#include "platform/d3d9/shader.hpp"
 #include "platform/d3d9/texture.hpp"
 #include "platform/d3d9/vertex_buffer.hpp"
 #include "platform/d3d9/vertex_declaration.hpp"
@@ -25,7 +28,7 @@
 
 namespace VornPlatform {
 
-class Device final : public IDirect3DDevice9, public Overlay, public LiveObject {
+class Device final : public IDirect3DDevice9, public Overlay, public EffectHost, public LiveObject {
 public:
     /// `filled` is what the device goes by, and is written to `parameters` when it is there.
     static HRESULT Make(Direct3D& direct3D, std::unique_ptr<Backend> backend, HWND window,
@@ -59,6 +62,10 @@ public:
                                     IDirect3DVertexDeclaration9** declaration) override;
     HRESULT CreateVertexShader(const DWORD* code, IDirect3DVertexShader9** shader) override;
     HRESULT CreatePixelShader(const DWORD* code, IDirect3DPixelShader9** shader) override;
+    HRESULT MakeVertexShader(std::shared_ptr<const ShaderCode> code,
+                             IDirect3DVertexShader9** shader) override;
+    HRESULT MakePixelShader(std::shared_ptr<const ShaderCode> code,
+                            IDirect3DPixelShader9** shader) override;
 
     // Targets.
     HRESULT GetBackBuffer(UINT swapChain, UINT index, D3DBACKBUFFER_TYPE type,
@@ -77,6 +84,7 @@ public:
     HRESULT GetViewport(D3DVIEWPORT9* viewport) override;
     HRESULT SetLight(DWORD index, const D3DLIGHT9* light) override;
     HRESULT LightEnable(DWORD index, BOOL on) override;
+    HRESULT GetLightEnable(DWORD index, BOOL* on) override;
     HRESULT SetRenderState(D3DRENDERSTATETYPE state, DWORD value) override;
     HRESULT GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) override;
     HRESULT SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) override;
@@ -88,12 +96,23 @@ public:
     HRESULT SetTexture(DWORD stage, IDirect3DBaseTexture9* texture) override;
     HRESULT GetTexture(DWORD stage, IDirect3DBaseTexture9** texture) override;
     HRESULT SetVertexDeclaration(IDirect3DVertexDeclaration9* declaration) override;
+    HRESULT GetVertexDeclaration(IDirect3DVertexDeclaration9** declaration) override;
     HRESULT SetFVF(DWORD fvf) override;
-    HRESULT SetVertexShader(IDirect3DVertexShader9* shader) override;
-    HRESULT SetPixelShader(IDirect3DPixelShader9* shader) override;
+    HRESULT GetFVF(DWORD* fvf) override;
     HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UINT offset,
                             UINT stride) override;
     HRESULT SetIndices(IDirect3DIndexBuffer9* buffer) override;
+
+    // Shaders and their constants.
+    HRESULT SetVertexShader(IDirect3DVertexShader9* shader) override;
+    HRESULT GetVertexShader(IDirect3DVertexShader9** shader) override;
+    HRESULT SetPixelShader(IDirect3DPixelShader9* shader) override;
+    HRESULT GetPixelShader(IDirect3DPixelShader9** shader) override;
+    HRESULT SetVertexShaderConstantF(UINT first, const float* values, UINT count) override;
+    HRESULT GetVertexShaderConstantF(UINT first, float* values, UINT count) override;
+    HRESULT SetPixelShaderConstantF(UINT first, const float* values, UINT count) override;
+    HRESULT GetPixelShaderConstantF(UINT first, float* values, UINT count) override;
+    void SetEffectConstants(const void* block, UINT bytes) override;
 
     HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z,
                   DWORD stencil) override;
@@ -149,6 +168,25 @@ private:
     /// Levels that are made of the target's first are made anew if it was drawn to.
     void finishMips();
 
+    /// What a stage's shader reads of the device.
+    struct StageConstants {
+        Registers registers = {};
+        std::vector<std::byte> block; // of the bound shader, if it reads registers
+        unsigned int version = 0;
+        std::shared_ptr<const ShaderCode> gathered; // whose block that is, while the registers stay
+    };
+    template <typename Interface, typename Object>
+    HRESULT makeShader(ShaderStage stage, std::shared_ptr<const ShaderCode> code, Interface** out);
+    template <typename Object>
+    HRESULT bindShader(Object*& place, Object* shader, ShaderState& state);
+    HRESULT setRegisters(StageConstants& constants, UINT first, const float* values, UINT count);
+    static HRESULT getRegisters(const StageConstants& constants, UINT first, float* values,
+                                UINT count);
+    /// The blocks of both stages are up to date afterwards.
+    void gatherConstants();
+    template <typename Object>
+    void gatherStage(const Object* shader, StageConstants& constants, ShaderState& state);
+
     bool mayDraw() const { return mInScene && mStatus == D3D_OK && mDepthFits; }
     bool mayClear(DWORD flags, float z) const;
     HRESULT checkDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const;
@@ -192,6 +230,14 @@ private:
     const VertexLayout* mLayout = nullptr;
     VertexBuffer* mVertices = nullptr;
     IndexBuffer* mIndices = nullptr;
+    VertexShader* mVertexShader = nullptr;
+    PixelShader* mPixelShader = nullptr;
+
+    StageConstants mVertexConstants, mPixelConstants;
+    std::vector<std::byte> mEffectBlock; // as long as either shader reads
+    unsigned int mEffectVersion = 1;
+    unsigned int mLastVersion = 1; // of any block
+    bool mConstantsBehind = false; // or the shaders are others
 
     State mOverlay;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What draws use and go to. What is bound is kept, also when its host has let go of it.
+#include "platform/d3d9/bindings.hpp"
 #include "platform/d3d9/device.hpp"
 #include "platform/d3d9/guarded.hpp"
 #include "platform/d3d9/recorder/call_log.hpp"
@@ -11,27 +12,11 @@ namespace VornPlatform {
 
 namespace {
 
-// The new one first: it may be held by the old one alone.
-template <typename Object>
-void Rebind(Object*& place, Object* object) {
-    if (object)
-        object->Bind();
-    if (Object* old = std::exchange(place, object))
-        old->Unbind();
-}
-
 void RebindSurface(Surface*& place, Surface* surface) {
     if (surface)
         surface->Owner().Bind();
     if (Surface* old = std::exchange(place, surface))
         old->Owner().Unbind();
-}
-
-template <typename Object, typename Interface>
-HRESULT GiveOut(Object* object, Child& counted, Interface** out) {
-    counted.Hold();
-    *out = object;
-    return D3D_OK;
 }
 
 } // namespace
@@ -57,10 +42,7 @@ HRESULT Device::GetTexture(DWORD stage, IDirect3DBaseTexture9** texture) {
     const CallScope call("GetTexture", stage);
     if (stage >= MaxTextures || !texture)
         return D3DERR_INVALIDCALL;
-    if (Texture* bound = mTextures[stage])
-        return GiveOut(bound, *bound, texture);
-    *texture = nullptr;
-    return D3D_OK;
+    return GiveOutBound(mTextures[stage], texture);
 }
 
 void Device::setLayout(const VertexLayout* layout) {
@@ -91,14 +73,19 @@ HRESULT Device::SetVertexDeclaration(IDirect3DVertexDeclaration9* declaration) {
     return D3D_OK;
 }
 
-HRESULT Device::SetVertexShader(IDirect3DVertexShader9* shader) {
-    const CallScope call("SetVertexShader", shader);
-    return shader ? D3DERR_INVALIDCALL : D3D_OK;
+HRESULT Device::GetVertexDeclaration(IDirect3DVertexDeclaration9** declaration) {
+    const CallScope call("GetVertexDeclaration");
+    if (!declaration)
+        return D3DERR_INVALIDCALL;
+    return GiveOutBound(mDeclaration, declaration);
 }
 
-HRESULT Device::SetPixelShader(IDirect3DPixelShader9* shader) {
-    const CallScope call("SetPixelShader", shader);
-    return shader ? D3DERR_INVALIDCALL : D3D_OK;
+HRESULT Device::GetFVF(DWORD* fvf) {
+    const CallScope call("GetFVF");
+    if (!fvf)
+        return D3DERR_INVALIDCALL;
+    *fvf = mLayout ? mLayout->format.fvf : 0;
+    return D3D_OK;
 }
 
 HRESULT Device::SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UINT offset,

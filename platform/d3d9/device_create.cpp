@@ -214,14 +214,4 @@ HRESULT Device::CreateVertexDeclaration(const D3DVERTEXELEMENT9* elements,
     });
 }
 
-HRESULT Device::CreateVertexShader(const DWORD* code, IDirect3DVertexShader9** shader) {
-    const CallScope call("CreateVertexShader", static_cast<const void*>(code));
-    return code && shader ? D3DERR_NOTAVAILABLE : D3DERR_INVALIDCALL;
-}
-
-HRESULT Device::CreatePixelShader(const DWORD* code, IDirect3DPixelShader9** shader) {
-    const CallScope call("CreatePixelShader", static_cast<const void*>(code));
-    return code && shader ? D3DERR_NOTAVAILABLE : D3DERR_INVALIDCALL;
-}
-
 } // namespace VornPlatform

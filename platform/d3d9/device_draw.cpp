@@ -75,7 +75,8 @@ bool Device::mayClear(DWORD flags, float z) const {
 
 HRESULT Device::checkDraw(D3DPRIMITIVETYPE type, UINT primitiveCount) const {
     if (!mayDraw() || type < D3DPT_POINTLIST || type > D3DPT_TRIANGLEFAN ||
-        primitiveCount > MaxPrimitives || !mLayout || !mLayout->hasPosition)
+        primitiveCount > MaxPrimitives || !mLayout ||
+        (!mLayout->hasPosition && !mVertexShader)) // which may make it of anything
         return D3DERR_INVALIDCALL;
     return D3D_OK;
 }
@@ -166,6 +167,8 @@ HRESULT Device::drawChecked(const Primitive& primitive) {
     return Guarded([&] {
         if (mSomethingBehind)
             uploadBound();
+        if (mConstantsBehind)
+            gatherConstants();
         mBackend->Draw(mState, mChanged, primitive);
         mChanged = 0;
         noteDraw(primitive);

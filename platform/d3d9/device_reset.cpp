@@ -108,7 +108,12 @@ void Device::unbindAll() {
     mState.vertices = nullptr;
     mState.indices = nullptr;
     mState.target = {};
+    mState.vertexShader = mState.pixelShader = {};
     mLayout = nullptr;
+    if (VertexShader* bound = std::exchange(mVertexShader, nullptr))
+        bound->Unbind();
+    if (PixelShader* bound = std::exchange(mPixelShader, nullptr))
+        bound->Unbind();
     if (VertexDeclaration* bound = std::exchange(mDeclaration, nullptr))
         bound->Unbind();
     if (VertexBuffer* bound = std::exchange(mVertices, nullptr))
@@ -126,6 +131,11 @@ void Device::setDefaults() {
     mSomethingBehind = false;
     mMipsAreOld = false;
     mLightIsSet = {};
+    mVertexConstants.registers = mPixelConstants.registers = {};
+    mVertexConstants.gathered = mPixelConstants.gathered = nullptr;
+    mEffectBlock.clear();
+    mEffectVersion = ++mLastVersion;
+    mConstantsBehind = false;
     mState = State();
     mState.depth.enable = mScreenDepth->Gpu() ? TRUE : FALSE;
 

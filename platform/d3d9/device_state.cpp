@@ -154,6 +154,14 @@ HRESULT Device::LightEnable(DWORD index, BOOL on) {
     return D3D_OK;
 }
 
+HRESULT Device::GetLightEnable(DWORD index, BOOL* on) {
+    const CallScope call("GetLightEnable", index);
+    if (index >= MaxLights || !on || !mLightIsSet[index])
+        return D3DERR_INVALIDCALL;
+    *on = mState.lights[index].on;
+    return D3D_OK;
+}
+
 // --- numbered states
 
 HRESULT Device::store(const Slot& slot, DWORD value) {

@@ -13,6 +13,9 @@ inline constexpr UINT MaxTextures = 16; // stages and samplers
 // Of Direct3D; beyond the first they are always empty.
 inline constexpr UINT MaxStreams = 16, MaxTargets = 4;
 inline constexpr UINT MaxLights = 8;
+// Of four floats, for each of the two stages. Direct3D has 256; these hold the matrices of 256
+// bones.
+inline constexpr UINT MaxRegisters = 1100;
 inline constexpr UINT MaxTextureSize = 16384;
 inline constexpr UINT MaxElements = 16; // of a vertex declaration
 inline constexpr UINT MaxStride = 2048; // of vertices (unit: bytes)

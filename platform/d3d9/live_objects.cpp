@@ -12,16 +12,21 @@ struct Kind {
     int LiveObjects::*count; // null: of no interest
 };
 // In the order of ObjectKind.
-constexpr std::array<Kind, 10> Kinds = {{{"Direct3D", nullptr},
+constexpr std::array<Kind, 15> Kinds = {{{"Direct3D", nullptr},
                                          {"Device", &LiveObjects::devices},
                                          {"Texture", &LiveObjects::textures},
                                          {"Surface", &LiveObjects::surfaces},
                                          {"VertexBuffer", &LiveObjects::vertexBuffers},
                                          {"IndexBuffer", &LiveObjects::indexBuffers},
                                          {"VertexDeclaration", &LiveObjects::declarations},
+                                         {"VertexShader", &LiveObjects::vertexShaders},
+                                         {"PixelShader", &LiveObjects::pixelShaders},
                                          {"Font", &LiveObjects::fonts},
                                          {"Line", &LiveObjects::lines},
-                                         {"RenderToSurface", &LiveObjects::renderToSurfaces}}};
+                                         {"RenderToSurface", &LiveObjects::renderToSurfaces},
+                                         {"Buffer", &LiveObjects::dataBuffers},
+                                         {"ConstantTable", &LiveObjects::constantTables},
+                                         {"Effect", &LiveObjects::effects}}};
 
 constinit LiveObjects alive;
 constinit std::array<int, Kinds.size()> made = {};

@@ -23,9 +23,14 @@ enum class ObjectKind {
     VertexBuffer,
     IndexBuffer,
     VertexDeclaration,
+    VertexShader,
+    PixelShader,
     Font,
     Line,
-    RenderToSurface
+    RenderToSurface,
+    DataBuffer,
+    ConstantTable,
+    Effect
 };
 
 class LiveObject {

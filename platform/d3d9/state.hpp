@@ -16,6 +16,8 @@
 #include <d3d9.h>
 
 #include <array>
+#include <cstddef>
+#include <memory>
 #include <vector>
 
 namespace VornPlatform {
@@ -83,6 +85,16 @@ struct Light {
     bool on = false;
 };
 
+struct ShaderCode;
+
+struct ShaderState {
+    const ShaderCode* code = nullptr; // null: the fixed function
+    // For who keeps it beyond the draw.
+    const std::shared_ptr<const ShaderCode>* holder = nullptr;
+    const std::byte* constants = nullptr; // its block, all of its size; null without a block
+    unsigned int version = 0;             // of those bytes: others have another
+};
+
 inline constexpr D3DMATRIX IdentityMatrix = {{{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}}};
 
 struct State {
@@ -106,6 +118,9 @@ struct State {
     TextureStage stage; // 0; the others are off
     std::array<GpuTexture*, MaxTextures> textures = {};
     std::array<Sampler, MaxTextures> samplers;
+
+    // Both read the same bytes, at the same address, if they are an effect's.
+    ShaderState vertexShader, pixelShader;
 
     const VertexFormat* format = nullptr;
     GpuBuffer* vertices = nullptr;
@@ -133,6 +148,8 @@ enum : unsigned int {
     Format = 1u << 13,
     Vertices = 1u << 14,
     Indices = 1u << 15,
+    Shaders = 1u << 16,
+    Constants = 1u << 17, // the bytes of either block
     All = 0xffffffffu
 };
 } // namespace Changed

@@ -235,10 +235,10 @@ D3DXQUATERNION* D3DXQuaternionSlerp(D3DXQUATERNION* out, const D3DXQUATERNION* a
     const float sign = cosine < 0.0f ? -1.0f : 1.0f;
     cosine *= sign;
 
-    // Where the arc is so short that its sine is lost in rounding, the chord is the same to a
-    // float's precision.
+    // Where the arc is so short that it is lost in rounding, the chord is the same to a float's
+    // precision.
     float fromA = 1 - t, fromB = t;
-    if (1 - cosine > 0.001f) {
+    if (1 - cosine > 1e-6f) {
         const float arc = std::acos(cosine);
         fromA = std::sin((1 - t) * arc) / std::sin(arc);
         fromB = std::sin(t * arc) / std::sin(arc);

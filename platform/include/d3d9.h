@@ -22,7 +22,8 @@
 //
 //   [X] vectors, matrices, viewport: the records that mathematics works on
 //   [X] interfaces, states, formats
-//   [ ] shaders, cube and volume textures, queries, stencil, fog, several streams or targets
+//   [X] shaders and their registers of floats
+//   [ ] cube and volume textures, queries, stencil, fog, several streams or targets
 #ifndef VORN_PLATFORM_D3D9_H
 #define VORN_PLATFORM_D3D9_H
 #pragma GCC system_header
@@ -263,8 +264,16 @@ enum : BYTE {
     D3DDECLUSAGE_BLENDWEIGHT = 1,
     D3DDECLUSAGE_BLENDINDICES = 2,
     D3DDECLUSAGE_NORMAL = 3,
+    D3DDECLUSAGE_PSIZE = 4,
     D3DDECLUSAGE_TEXCOORD = 5,
-    D3DDECLUSAGE_COLOR = 10
+    D3DDECLUSAGE_TANGENT = 6,
+    D3DDECLUSAGE_BINORMAL = 7,
+    D3DDECLUSAGE_TESSFACTOR = 8,
+    D3DDECLUSAGE_POSITIONT = 9,
+    D3DDECLUSAGE_COLOR = 10,
+    D3DDECLUSAGE_FOG = 11,
+    D3DDECLUSAGE_DEPTH = 12,
+    D3DDECLUSAGE_SAMPLE = 13
 };
 #define D3DDECL_END()                                                                              \
     { 0xFF, 0, D3DDECLTYPE_UNUSED, 0, 0, 0 }
@@ -405,6 +414,26 @@ struct IDirect3DDevice9 : IUnknown {
         return E_NOTIMPL;
     }
     virtual HRESULT DrawPrimitive(D3DPRIMITIVETYPE, UINT /*startVertex*/, UINT /*primitives*/) {
+        return E_NOTIMPL;
+    }
+    // What is bound; the objects get a reference.
+    virtual HRESULT GetVertexDeclaration(IDirect3DVertexDeclaration9**) { return E_NOTIMPL; }
+    virtual HRESULT GetFVF(DWORD*) { return E_NOTIMPL; }
+    virtual HRESULT GetVertexShader(IDirect3DVertexShader9**) { return E_NOTIMPL; }
+    virtual HRESULT GetPixelShader(IDirect3DPixelShader9**) { return E_NOTIMPL; }
+    virtual HRESULT GetLightEnable(DWORD /*index*/, BOOL*) { return E_NOTIMPL; }
+    /// Registers of the device, of four floats each, 1,100 for either stage: they stay whatever
+    /// shader is bound. At the start 0.
+    virtual HRESULT SetVertexShaderConstantF(UINT /*first*/, const float*, UINT /*vectors*/) {
+        return E_NOTIMPL;
+    }
+    virtual HRESULT GetVertexShaderConstantF(UINT /*first*/, float*, UINT /*vectors*/) {
+        return E_NOTIMPL;
+    }
+    virtual HRESULT SetPixelShaderConstantF(UINT /*first*/, const float*, UINT /*vectors*/) {
+        return E_NOTIMPL;
+    }
+    virtual HRESULT GetPixelShaderConstantF(UINT /*first*/, float*, UINT /*vectors*/) {
         return E_NOTIMPL;
     }
 };

@@ -13,7 +13,8 @@
 //
 //   [X] mathematics
 //   [X] textures from files, surfaces to files, render-to-surface, fonts, lines
-//   [ ] effects, shaders
+//   [X] effects and shaders of HLSL: docs/effects.md tells the dialect
+//   [ ] effect pools, clones, state managers, shader fragments, sprites, meshes
 #ifndef VORN_PLATFORM_D3DX9_H
 #define VORN_PLATFORM_D3DX9_H
 #pragma GCC system_header
@@ -56,10 +57,27 @@ typedef D3DXMATRIX D3DXMATRIXA16;
 #define D3DXERR_INVALIDDATA ((HRESULT)0x88760B59)
 
 struct ID3DXSprite;
-struct ID3DXBuffer;
-struct ID3DXConstantTable;
-struct ID3DXEffect;
+struct ID3DXEffectPool;
 struct PALETTEENTRY;
+/// A name, as a NUL-terminated text, or what a function that is asked for a handle has answered.
+typedef const char* D3DXHANDLE;
+/// A list ends with a null name. A null definition is an empty one.
+struct D3DXMACRO {
+    LPCSTR Name;
+    LPCSTR Definition;
+};
+enum D3DXINCLUDE_TYPE : DWORD { D3DXINC_LOCAL = 0, D3DXINC_SYSTEM = 1 };
+/// A host's own way to included files.
+struct ID3DXInclude {
+    /// `parent` is the content of the file that includes, null for the main one. What is handed
+    /// out stays until Close.
+    virtual HRESULT Open(D3DXINCLUDE_TYPE, LPCSTR name, LPCVOID parent, LPCVOID* data,
+                         UINT* bytes) = 0;
+    virtual HRESULT Close(LPCVOID data) = 0;
+
+protected:
+    ~ID3DXInclude() = default;
+};
 enum D3DXIMAGE_FILEFORMAT : DWORD {
     D3DXIFF_BMP = 0,
     D3DXIFF_JPG = 1,
@@ -67,7 +85,14 @@ enum D3DXIMAGE_FILEFORMAT : DWORD {
     D3DXIFF_PNG = 3,
     D3DXIFF_DDS = 4
 };
-enum : DWORD { D3DX_FILTER_NONE = 1 };
+enum : DWORD {
+    D3DX_FILTER_NONE = 1,
+    D3DXSHADER_NO_PRESHADER = 0x100, // there are none here
+    D3DXFX_DONOTSAVESTATE = 1,       // of ID3DXEffect::Begin
+    D3DXFX_DONOTSAVESHADERSTATE = 2,
+    D3DXFX_DONOTSAVESAMPLERSTATE = 4,
+    D3DXFX_NOT_CLONEABLE = 0x800 // all are like that here
+};
 #define D3DX_DEFAULT ((UINT)-1)
 struct ID3DXFont : IUnknown {
     /// `text` is UTF-8, `count` its bytes, or -1 up to its NUL; a NUL ends it in any case. Drawn in
@@ -99,8 +124,117 @@ struct ID3DXRenderToSurface : IUnknown {
     /// Ends the scene and puts target, depth buffer and viewport back.
     virtual HRESULT EndScene(DWORD mipFilter) = 0;
 };
+/// Bytes: code, or a text with a NUL behind it that counts.
+struct ID3DXBuffer : IUnknown {
+    virtual void* GetBufferPointer() = 0;
+    virtual DWORD GetBufferSize() = 0;
+};
+/// The constants that a shader uses. Setting one writes registers of the device, which stay until
+/// somebody sets them again, whatever shader is bound.
+struct ID3DXConstantTable : IUnknown {
+    /// By name, with `parent` null or a handle of a structure; "a.b" and "a[2]" work too. Null if
+    /// there is none.
+    virtual D3DXHANDLE GetConstantByName(D3DXHANDLE parent, LPCSTR name) = 0;
+    virtual HRESULT SetMatrix(IDirect3DDevice9*, D3DXHANDLE, const D3DXMATRIX*) = 0;
+    /// More than the array has is cut off, fewer set the first ones only.
+    virtual HRESULT SetMatrixArray(IDirect3DDevice9*, D3DXHANDLE, const D3DXMATRIX*,
+                                   UINT count) = 0;
+    // beyond
+    virtual HRESULT SetFloat(IDirect3DDevice9*, D3DXHANDLE, float) { return E_NOTIMPL; }
+    virtual HRESULT SetFloatArray(IDirect3DDevice9*, D3DXHANDLE, const float*, UINT /*count*/) {
+        return E_NOTIMPL;
+    }
+    virtual HRESULT SetVector(IDirect3DDevice9*, D3DXHANDLE, const D3DXVECTOR4*) {
+        return E_NOTIMPL;
+    }
+    virtual HRESULT SetVectorArray(IDirect3DDevice9*, D3DXHANDLE, const D3DXVECTOR4*,
+                                   UINT /*count*/) {
+        return E_NOTIMPL;
+    }
+    /// Writes the start values of the file.
+    virtual HRESULT SetDefaults(IDirect3DDevice9*) { return E_NOTIMPL; }
+};
+/// Parameters, techniques and passes of an effect file. A parameter is found by its name, "a.b" for
+/// a member of a structure and "a[2]" for an element of an array; for one that is not there setters
+/// answer D3DERR_INVALIDCALL and do nothing else. A value stays until it is set again, and starts
+/// as the file says.
+struct ID3DXEffect : IUnknown {
+    /// Null if there is none.
+    virtual D3DXHANDLE GetTechniqueByName(LPCSTR) = 0;
+    /// Bytes as a program has them: floats, BOOLs and ints one behind the other, matrices row by
+    /// row. Fewer than the parameter has are refused.
+    virtual HRESULT SetValue(D3DXHANDLE, const void* data, UINT bytes) = 0;
+    virtual HRESULT SetBool(D3DXHANDLE, BOOL) = 0;
+    virtual HRESULT SetFloat(D3DXHANDLE, float) = 0;
+    virtual HRESULT SetFloatArray(D3DXHANDLE, const float*, UINT count) = 0;
+    virtual HRESULT SetMatrix(D3DXHANDLE, const D3DXMATRIX*) = 0;
+    /// Keeps a reference until it is replaced or the effect dies.
+    virtual HRESULT SetTexture(D3DXHANDLE, IDirect3DBaseTexture9*) = 0;
+    virtual HRESULT SetTechnique(D3DXHANDLE) = 0;
+    /// Of the technique that was set, at first the file's first. Saves the device's states that its
+    /// passes change, unless flags say not to. Refused twice without End.
+    virtual HRESULT Begin(UINT* passes, DWORD flags) = 0;
+    /// Sets the pass's states, shaders and textures with the values that parameters have now.
+    virtual HRESULT BeginPass(UINT) = 0;
+    virtual HRESULT EndPass() = 0;
+    /// Puts the states back.
+    virtual HRESULT End() = 0;
+    // beyond
+    /// What was set since BeginPass takes effect.
+    virtual HRESULT CommitChanges() { return E_NOTIMPL; }
+    virtual D3DXHANDLE GetParameterByName(D3DXHANDLE /*parent*/, LPCSTR) { return nullptr; }
+    virtual D3DXHANDLE GetParameterBySemantic(D3DXHANDLE /*parent*/, LPCSTR) { return nullptr; }
+    virtual D3DXHANDLE GetParameter(D3DXHANDLE /*parent*/, UINT /*index*/) { return nullptr; }
+    virtual D3DXHANDLE GetTechnique(UINT /*index*/) { return nullptr; }
+    virtual D3DXHANDLE GetCurrentTechnique() { return nullptr; }
+    virtual HRESULT ValidateTechnique(D3DXHANDLE) { return E_NOTIMPL; }
+    virtual HRESULT FindNextValidTechnique(D3DXHANDLE, D3DXHANDLE*) { return E_NOTIMPL; }
+    virtual HRESULT SetInt(D3DXHANDLE, INT) { return E_NOTIMPL; }
+    virtual HRESULT SetIntArray(D3DXHANDLE, const INT*, UINT /*count*/) { return E_NOTIMPL; }
+    virtual HRESULT SetBoolArray(D3DXHANDLE, const BOOL*, UINT /*count*/) { return E_NOTIMPL; }
+    virtual HRESULT SetVector(D3DXHANDLE, const D3DXVECTOR4*) { return E_NOTIMPL; }
+    virtual HRESULT SetVectorArray(D3DXHANDLE, const D3DXVECTOR4*, UINT /*count*/) {
+        return E_NOTIMPL;
+    }
+    virtual HRESULT SetMatrixArray(D3DXHANDLE, const D3DXMATRIX*, UINT /*count*/) {
+        return E_NOTIMPL;
+    }
+    virtual HRESULT SetMatrixTranspose(D3DXHANDLE, const D3DXMATRIX*) { return E_NOTIMPL; }
+    /// The bytes that SetValue takes.
+    virtual HRESULT GetValue(D3DXHANDLE, void* /*data*/, UINT /*bytes*/) { return E_NOTIMPL; }
+    virtual HRESULT GetFloat(D3DXHANDLE, float*) { return E_NOTIMPL; }
+    virtual HRESULT GetInt(D3DXHANDLE, INT*) { return E_NOTIMPL; }
+    virtual HRESULT GetBool(D3DXHANDLE, BOOL*) { return E_NOTIMPL; }
+    virtual HRESULT GetVector(D3DXHANDLE, D3DXVECTOR4*) { return E_NOTIMPL; }
+    virtual HRESULT GetMatrix(D3DXHANDLE, D3DXMATRIX*) { return E_NOTIMPL; }
+    virtual HRESULT GetString(D3DXHANDLE, LPCSTR*) { return E_NOTIMPL; }
+    /// Adds a reference.
+    virtual HRESULT GetTexture(D3DXHANDLE, IDirect3DBaseTexture9**) { return E_NOTIMPL; }
+    /// Lets go of textures of the default pool, which are in the way of a reset; those parameters
+    /// are null then.
+    virtual HRESULT OnLostDevice() { return E_NOTIMPL; }
+    virtual HRESULT OnResetDevice() { return E_NOTIMPL; }
+};
 
 #pragma GCC visibility push(default)
+
+/// A compile error gives a negative result and the compiler's text, a line for each fault that
+/// begins with file and line. A file that is not there gives a negative result and no buffer.
+/// Warnings may be in the buffer when all is well. Out pointers are null on failure.
+HRESULT D3DXCreateEffectFromFileA(IDirect3DDevice9*, LPCSTR path, const D3DXMACRO*, ID3DXInclude*,
+                                  DWORD flags, ID3DXEffectPool*, ID3DXEffect**,
+                                  ID3DXBuffer** errors);
+/// The same from memory.
+HRESULT D3DXCreateEffect(IDirect3DDevice9*, LPCVOID text, UINT bytes, const D3DXMACRO*,
+                         ID3DXInclude*, DWORD flags, ID3DXEffectPool*, ID3DXEffect**,
+                         ID3DXBuffer** errors);
+/// Profiles are vs_1_1 to vs_3_0 and ps_1_1 to ps_3_0 (and their _a, _b and _sw), all alike.
+HRESULT D3DXCompileShaderFromFileA(LPCSTR path, const D3DXMACRO*, ID3DXInclude*, LPCSTR entry,
+                                   LPCSTR profile, DWORD flags, ID3DXBuffer** code,
+                                   ID3DXBuffer** errors, ID3DXConstantTable** constants);
+HRESULT D3DXCompileShader(LPCSTR text, UINT bytes, const D3DXMACRO*, ID3DXInclude*, LPCSTR entry,
+                          LPCSTR profile, DWORD flags, ID3DXBuffer** code, ID3DXBuffer** errors,
+                          ID3DXConstantTable** constants);
 
 /// DDS (DXT1, DXT3, DXT5 as they are, and uncompressed), TGA, PNG, JPG, BMP: the content decides,
 /// not the name. A managed texture of the file's size, with all levels down to 1 by 1: those that

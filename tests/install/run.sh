@@ -14,8 +14,9 @@ cmake -S "$work/host" -B "$work/host/build" -G Ninja -DCMAKE_CXX_COMPILER="$comp
 cmake --build "$work/host/build"
 "$work/host/build/host"
 
-# The package brings nothing of ours beyond the library, its headers, its description and the author's command.
+# The package brings nothing of ours beyond the library, its headers, its description, the shader files and the author's
+# command.
 cd "$work/prefix"
 [ ! -e bin/vorn ] || bin/vorn --version >/dev/null
-find . -type f | grep -vE '^\./(bin/vorn$|include/(vorn|vorn-platform)/|lib/([^/]*/)?(libVorn\.so|cmake/Vorn/))' && exit 1
+find . -type f | grep -vE '^\./(bin/vorn$|include/(vorn|vorn-platform)/|share/vorn/data/shaders/|lib/([^/]*/)?(libVorn\.so|cmake/Vorn/))' && exit 1
 exit 0

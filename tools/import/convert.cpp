@@ -163,7 +163,7 @@ std::size_t turnedTriangles(const Model& model) {
 bool keysAreDense(const Model& model, const Clip& clip) {
     for (const ModelBone& bone : model.bones) {
         for (std::size_t k = 1; k < bone.keys.size(); ++k) {
-            if (static_cast<double>(bone.keys[k].time - bone.keys[k - 1].time) < 1.3 * clip.spacing)
+            if (static_cast<double>(bone.keys[k].time - bone.keys[k - 1].time) < 1.1 * clip.spacing)
                 return true;
         }
     }

@@ -17,42 +17,63 @@ const Affine mirror{{1, 0, 0, 0, 1, 0, 0, 0, -1}, {}};
 constexpr double samplesToSpacing = 4;
 constexpr std::size_t mostMatrices = 2'000'000;
 
-std::vector<double> sampleTimes(const Clip& clip, std::size_t nodes) {
-    std::vector<double> times{0, clip.length};
-    const auto add = [&](double time) {
-        if (time > 0 && time < clip.length)
-            times.push_back(time);
+/// Where ways of the source bend: its keys, in no order.
+std::vector<double> bends(const Clip& clip) {
+    std::vector<double> times;
+    const auto add = [&](const auto& track) {
+        for (const auto& key : track.keys) {
+            times.push_back(key.time - clip.start);
+            // A step becomes a ramp as short as keys may be apart, and ends where it should.
+            if (track.curve == Curve::Step)
+                times.push_back(key.time - clip.start - clip.spacing);
+        }
     };
+    if (!clip.animation)
+        return times;
+    for (const SourceChannel& channel : clip.animation->channels) {
+        if (!Moves(channel))
+            continue;
+        add(channel.positions);
+        add(channel.rotations);
+        add(channel.scales);
+    }
+    return times;
+}
+
+/// Times that are closer together are one.
+double sameTime(const Clip& clip) {
+    return std::max(clip.length * 1e-6, 1e-6);
+}
+
+std::vector<double> sampleTimes(const Clip& clip, std::size_t nodes) {
+    std::vector<double> times = bends(clip);
     if (clip.animation) {
         const double most = static_cast<double>(std::max<std::size_t>(mostMatrices / nodes, 16));
         const double steps =
             std::clamp(std::ceil(clip.length / clip.spacing * samplesToSpacing), 8.0, most);
         for (double i = 1; i < steps; ++i)
-            add(clip.length * i / steps);
-        const auto addKeys = [&](const auto& track) {
-            for (const auto& key : track.keys) {
-                add(key.time - clip.start);
-                // A step becomes a ramp as short as keys may be apart, and ends where it should.
-                if (track.curve == Curve::Step)
-                    add(key.time - clip.start - clip.spacing);
-            }
-        };
-        for (const SourceChannel& channel : clip.animation->channels) {
-            if (!Moves(channel))
-                continue;
-            addKeys(channel.positions);
-            addKeys(channel.rotations);
-            addKeys(channel.scales);
-        }
+            times.push_back(clip.length * i / steps);
     }
+    std::erase_if(times, [&](double time) { return !(time > 0 && time < clip.length); });
+    times.insert(times.end(), {0, clip.length});
     std::sort(times.begin(), times.end());
-    const double same = std::max(clip.length * 1e-6, 1e-6);
-    times.erase(
-        std::unique(times.begin(), times.end(), [&](double a, double b) { return b - a < same; }),
-        times.end());
+    times.erase(std::unique(times.begin(), times.end(),
+                            [&](double a, double b) { return b - a < sameTime(clip); }),
+                times.end());
     // The end is exact, even where a key stood just before it.
     times.back() = clip.length;
     return times;
+}
+
+/// Which of the samples stand where the source bends.
+std::vector<bool> bendsAt(const std::vector<double>& samples, const Clip& clip) {
+    std::vector<bool> bend(samples.size());
+    for (const double time : bends(clip)) {
+        const auto near = std::lower_bound(samples.begin(), samples.end(), time - sameTime(clip));
+        if (near != samples.end() && *near <= time + sameTime(clip))
+            bend[static_cast<std::size_t>(near - samples.begin())] = true;
+    }
+    return bend;
 }
 
 /// The nearest node above that is a bone, or None.
@@ -69,9 +90,10 @@ std::size_t boneAbove(const SourceScene& scene, const std::vector<std::size_t>& 
 /// tolerance, but no nearer than keys may be.
 class KeyFit {
 public:
-    KeyFit(const std::vector<double>& times, const std::vector<Rigid>& locals, double spacing,
-           double extent)
-        : mTimes(times), mLocals(locals), mSpacing(spacing * (1 - 1e-6)), mExtent(extent) {}
+    KeyFit(const Poses& poses, const std::vector<Rigid>& locals, double spacing, double extent,
+           double tolerance)
+        : mPoses(poses), mTimes(poses.Times()), mLocals(locals), mSpacing(spacing * (1 - 1e-6)),
+          mExtent(extent), mTolerance(tolerance) {}
 
     std::vector<std::size_t> Fit() const {
         std::vector<std::size_t> kept{0};
@@ -81,8 +103,6 @@ public:
     }
 
 private:
-    static constexpr double tolerance = 5e-5;
-
     std::size_t last() const { return mTimes.size() - 1; }
 
     std::size_t next(std::size_t from) const {
@@ -108,12 +128,18 @@ private:
             const std::size_t middle = good + (bad - good) / 2;
             (straight(from, middle) ? good : bad) = middle;
         }
+        // Back to where the source bends: a key behind it would leave too little room for one at
+        // the next bend.
+        for (std::size_t at = good; at >= low; --at) {
+            if (mPoses.Bends(at))
+                return at;
+        }
         return good;
     }
 
     bool straight(std::size_t from, std::size_t to) const {
         for (std::size_t i = from + 1; i < to; ++i) {
-            if (errorAt(from, i, to) > tolerance)
+            if (errorAt(from, i, to) > mTolerance)
                 return false;
         }
         return true;
@@ -128,10 +154,12 @@ private:
                         AngleBetween(rotation, mLocals[at].rotation));
     }
 
+    const Poses& mPoses;
     const std::vector<double>& mTimes;
     const std::vector<Rigid>& mLocals;
     double mSpacing;
     double mExtent;
+    double mTolerance;
 };
 
 ModelKey key(double time, const Rigid& local) {
@@ -147,8 +175,8 @@ ModelKey key(double time, const Rigid& local) {
 
 Poses::Poses(const SourceScene& scene, const Clip& clip)
     : mNodes(scene.nodes.size()), mToOurs(mirror * Scaling(clip.scale) * scene.axes),
-      mRest(WorldsAt(scene, nullptr, 0)), mTimes(sampleTimes(clip, mNodes)), mMoves(mNodes),
-      mOwnMotion(mNodes) {
+      mRest(WorldsAt(scene, nullptr, 0)), mTimes(sampleTimes(clip, mNodes)),
+      mBends(bendsAt(mTimes, clip)), mMoves(mNodes), mOwnMotion(mNodes) {
     if (clip.animation) {
         for (const SourceChannel& channel : clip.animation->channels)
             mOwnMotion[channel.node] = mOwnMotion[channel.node] || Import::Moves(channel);
@@ -219,6 +247,15 @@ std::vector<ModelBone> BuildBones(const SourceScene& scene, const Poses& poses, 
     for (std::size_t b = 0; b < nodes.size(); ++b)
         boneOfNode[nodes[b]] = b;
 
+    // What the bones of a limb are off adds up from its root to its tip.
+    std::vector<std::size_t> depths;
+    for (const std::size_t node : nodes) {
+        const std::size_t parent = boneAbove(scene, boneOfNode, node);
+        depths.push_back(parent == None ? 1 : depths[parent] + 1);
+    }
+    const double tolerance =
+        5e-5 / static_cast<double>(*std::max_element(depths.begin(), depths.end()));
+
     const std::vector<double>& times = poses.Times();
     std::vector<ModelBone> bones;
     for (const std::size_t node : nodes) {
@@ -233,7 +270,7 @@ std::vector<ModelBone> BuildBones(const SourceScene& scene, const Poses& poses, 
             locals.push_back(parent == None ? world
                                             : Inverse(poses.Bone(s, nodes[parent])) * world);
         }
-        for (const std::size_t s : KeyFit(times, locals, clip.spacing, extent).Fit())
+        for (const std::size_t s : KeyFit(poses, locals, clip.spacing, extent, tolerance).Fit())
             bone.keys.push_back(key(times[s], locals[s]));
         bones.push_back(std::move(bone));
     }

@@ -48,6 +48,8 @@ public:
     /// In rising order: from 0 to the clip's length, every key of the source, and enough in between
     /// to see what is not straight.
     const std::vector<double>& Times() const { return mTimes; }
+    /// Whether the source has a key at a sample.
+    bool Bends(std::size_t sample) const { return mBends[sample]; }
     /// Whether a node or one above it moves.
     bool Moves(std::size_t node) const { return mMoves[node]; }
     /// Whether a node itself has keys that move it.
@@ -61,6 +63,7 @@ private:
     Affine mToOurs;
     std::vector<Affine> mRest;
     std::vector<double> mTimes;
+    std::vector<bool> mBends;
     std::vector<Affine> mWorlds;
     std::vector<Rigid> mBones;
     std::vector<bool> mMoves;

@@ -39,4 +39,28 @@ inline Float4 RootOf(const Float4& f) {
 #endif
 }
 
+/// Of each lane, `a` where the mask is set and `b` where it is not.
+inline Float4 Pick(const Int4& mask, const Float4& a, const Float4& b) {
+    return __builtin_bit_cast(Float4, (mask & __builtin_bit_cast(Int4, a)) |
+                                          (~mask & __builtin_bit_cast(Int4, b)));
+}
+
+/// One lane, in all four.
+template <int lane>
+Float4 Spread(const Float4& f) {
+    return __builtin_shufflevector(f, f, lane, lane, lane, lane);
+}
+
+/// Lane i of row j becomes lane j of row i.
+inline void Transpose(Float4 (&rows)[4]) {
+    const Float4 low0 = __builtin_shufflevector(rows[0], rows[1], 0, 4, 1, 5);
+    const Float4 high0 = __builtin_shufflevector(rows[0], rows[1], 2, 6, 3, 7);
+    const Float4 low1 = __builtin_shufflevector(rows[2], rows[3], 0, 4, 1, 5);
+    const Float4 high1 = __builtin_shufflevector(rows[2], rows[3], 2, 6, 3, 7);
+    rows[0] = __builtin_shufflevector(low0, low1, 0, 1, 4, 5);
+    rows[1] = __builtin_shufflevector(low0, low1, 2, 3, 6, 7);
+    rows[2] = __builtin_shufflevector(high0, high1, 0, 1, 4, 5);
+    rows[3] = __builtin_shufflevector(high0, high1, 2, 3, 6, 7);
+}
+
 } // namespace Vorn

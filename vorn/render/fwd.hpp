@@ -3,6 +3,7 @@
 
 namespace Vorn {
 
+class Camera;
 class EmitterCmpt;
 class EmitterSystem;
 class Graphic;

@@ -77,7 +77,14 @@ void Graphic::Init(HWND window, unsigned int width, unsigned int height, bool fu
     makeHelpers();
     CreatePointLight(Vector3(0.0f, 200.0f, 0.0f));
     loadQuad();
-    InitShaders();
+    try {
+        InitShaders();
+    } catch (...) {
+        Free();
+        m3DDevice = mEnded = nullptr;
+        m3D = nullptr;
+        throw;
+    }
 }
 
 // What is the same after Init and after Reset, up to the font: viewport, camera, states.
@@ -119,38 +126,10 @@ void Graphic::loadQuad() {
     CreateIndexBuffer(sizeof indices, mQuadIB, indices);
 }
 
-void Graphic::InitShaders() {
-    releaseTargets();
-    if (!LiveDevice())
-        return;
-    const UINT width = m3Dpp.BackBufferWidth, height = m3Dpp.BackBufferHeight;
-    D3DXCreateRenderToSurface(m3DDevice, width, height, D3DFMT_X8R8G8B8, TRUE, D3DFMT_D24X8,
-                              &mRenderToSurface);
-    const auto makeTarget = [&](IDirect3DTexture9*& texture, IDirect3DSurface9*& surface) {
-        D3DXCreateTexture(m3DDevice, width, height, 0,
-                          D3DUSAGE_RENDERTARGET | D3DUSAGE_AUTOGENMIPMAP, D3DFMT_X8R8G8B8,
-                          D3DPOOL_DEFAULT, &texture);
-        if (texture)
-            texture->GetSurfaceLevel(0, &surface);
-    };
-    makeTarget(mRTTexture, mRTSurface);
-    makeTarget(mRTBeamTexture, mRTBeamSurface);
-    makeTarget(mRTParticlesTexture, mRTParticlesSurface);
-}
-
-void Graphic::releaseTargets() {
-    ReleaseObject(mRenderToSurface);
-    ReleaseObject(mRTTexture);
-    ReleaseObject(mRTBeamTexture);
-    ReleaseObject(mRTSurface);
-    ReleaseObject(mRTBeamSurface);
-    ReleaseObject(mRTParticlesTexture);
-    ReleaseObject(mRTParticlesSurface);
-}
-
 void Graphic::Free() {
     ReleaseObject(mFont);
     ReleaseObject(mLine);
+    ReleaseObject(mSkelConstants);
     ReleaseObject(mSkelVS);
     ReleaseObject(mSkelPS);
     ReleaseObject(mSkelDecl);
@@ -158,13 +137,14 @@ void Graphic::Free() {
     ReleaseObject(mDecl2D);
     ReleaseObject(mQuadVB);
     ReleaseObject(mQuadIB);
-    // Before the targets, which hold the device: it goes with the last of them.
+    // Before effects and targets, which hold the device: it goes with the last of them.
     if (LiveDevice()) {
         mEnded = m3DDevice;
         m3DDevice->Release();
         if (m3D)
             m3D->Release();
     }
+    releaseShaders();
     releaseTargets();
 }
 

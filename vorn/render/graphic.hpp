@@ -28,6 +28,7 @@
 #include "vorn/math/vertex.hpp"
 #include "vorn/render/line.hpp"
 #include "vorn/render/vertex_2d.hpp"
+#include "vorn/resource/fwd.hpp"
 
 #include <d3d9.h>
 #include <d3dx9.h>
@@ -47,9 +48,10 @@ public:
     // Set-up
 
     /// Makes the device, with a back buffer of that size (unit: pixels). Raises std::exception
-    /// where there is no Direct3D, or no device: no OpenGL 4.5, or no such window. A device that is
-    /// there goes first, as by Free; what the stores had on it, RscPackManager::Reload brings to
-    /// the new one, and so what they loaded before there was any.
+    /// where there is no Direct3D, or no device: no OpenGL 4.5, or no such window; and what
+    /// InitShaders raises. A device that is there goes first, as by Free; what the stores had on
+    /// it, RscPackManager::Reload brings to the new one, and so what they loaded before there was
+    /// any.
     void Init(HWND window, unsigned int width, unsigned int height, bool fullscreen);
     /// Brings the device back after a loss, or into the mode that m3Dpp asks for. Of the engine's
     /// own objects it releases and makes anew those of this class; the stores must be released
@@ -59,8 +61,8 @@ public:
     /// While the device stays lost it tries again every 10 milliseconds and dispatches the window's
     /// messages; it gives up when the window goes, or the host is to quit. Raises
     /// std::runtime_error after a hundred refusals in a row, which mean that a host holds something
-    /// of the default pool; a later Reset tries again. A driver that reports an internal error ends
-    /// the window.
+    /// of the default pool, and what InitShaders raises; a later Reset tries again. A driver that
+    /// reports an internal error ends the window, and then shaders that fail are passed over.
     void Reset();
     /// Switches the mode by a Reset: the stores must be released first, and reloaded after. If the
     /// reset raises, m3Dpp asks for the new mode all the same.
@@ -79,9 +81,19 @@ public:
     /// The device for whoever draws or makes something: null when there is none, and after Free.
     static IDirect3DDevice9* LiveDevice() { return m3DDevice == mEnded ? nullptr : m3DDevice; }
     void RenderAnTweakBar() {}
-    /// Makes the render targets, of the back buffer's size. So far that is all: there are no
-    /// shaders yet.
+
+    // Shaders: the seven files of "data/shaders/", which docs/shaders.md describes.
+
+    /// Makes the shaders, from their files, and the render targets, of the back buffer's size; Init
+    /// and Reset do so. Raises std::exception for skel.vsh and skel.psh, with the compiler's text
+    /// on standard output; std::runtime_error for an effect file, with the compiler's text, or
+    /// "Failed to load shader: " and a name where there is none. Then no shader is left; out of
+    /// Init there is no device either, and out of Reset nothing but the device, for a later Reset.
     void InitShaders();
+    /// False, and null, where there is no such file. Raises std::runtime_error with the compiler's
+    /// text. The effect is the caller's to release, before Reset and Free; what the reference held
+    /// is not released.
+    static bool LoadShader(const char* path, ID3DXEffect*& effect);
 
     // The frame
 
@@ -113,6 +125,27 @@ public:
                               const VERTEX_2D* source);
     bool CreateIndexBuffer(unsigned int bytes, IDirect3DIndexBuffer9*& buffer,
                            const unsigned int* source);
+
+    // Drawing with shaders: view and projection are those of the device at that moment, `world` is
+    // transposed already, as operator D3DXMATRIX of Matrix4 does. A null texture is white; a null
+    // mesh or material draws nothing. Meshes are bound by the caller, both buffers.
+
+    /// A unit square about the origin. Calls SetTransparent.
+    void DrawTwoD(D3DXMATRIX world, IDirect3DTexture9* texture);
+    /// The same, with `alpha` from 0 to 1 and with fog.
+    void DrawTwoDModulate(D3DXMATRIX world, IDirect3DTexture9* texture, float alpha);
+    /// Without light. Calls SetTransparent.
+    void BasicShaderDraw(Mesh* mesh, D3DXMATRIX world, IDirect3DTexture9* texture);
+    /// With the light of SetPointLightSettings, which is black before, and CameraPos. The two
+    /// colours are packed as COLORS. States are the caller's.
+    void PhongLightingDraw(Mesh* mesh, D3DXMATRIX world, IDirect3DTexture9* texture,
+                           Material* material, unsigned int modulation, unsigned int additive);
+    /// Moves the mesh's animation on by `dt` (unit: seconds) and draws it with its bones, with the
+    /// texture that is bound and the caller's states. Its shaders stay bound; the next effect sets
+    /// its own, and Draw3DLine none.
+    void SetSkelMatrix(Mesh& mesh, D3DXMATRIX world, float dt);
+    /// In the colour of a shadow, into the target that is current. Nothing in the library calls it.
+    void ShadowMap(Mesh* mesh, D3DXMATRIX world);
 
     // Transforms
 
@@ -146,6 +179,8 @@ public:
     void SetPointLightSettings(const Vector3& diffuse, const Vector3& specular,
                                const Vector3& ambient);
     void SetPointLightPosition(const Vector3& position) { mLightPos = position; }
+    /// For the shaders: from `front` on there is fog, and from `back` on nothing else (unit:
+    /// distance along the view). None where `back` is not beyond `front`, as at the start.
     void SetFog(float front, float back);
     float BackFog() const { return mBackFog; }
     /// The eye, for the shaders.
@@ -201,9 +236,21 @@ private:
     void setDefaults(float farPlane);
     void makeHelpers();
     void loadQuad();
+    void loadSkinning();
+    void loadEffects();
+    void makeTargets();
+    void makeWhite();
     void releaseForReset();
+    void releaseShaders();
     void releaseTargets();
-    void resetDevice();
+    bool resetDevice();
+    void drawQuad();
+    void drawMesh(const Mesh& mesh);
+    void setColors(ID3DXEffect& effect, unsigned int modulation, unsigned int additive);
+    void setLight(ID3DXEffect& effect);
+    IDirect3DTexture9* orWhite(IDirect3DTexture9* texture) const {
+        return texture ? texture : mWhite;
+    }
     void beginTarget(IDirect3DSurface9* surface);
     void endTarget();
 
@@ -219,17 +266,16 @@ private:
     float mDefaultFar = 0.0f;
     IDirect3DVertexDeclaration9* mSkelDecl = nullptr;
     IDirect3DVertexShader9* mSkelVS = nullptr;
-    // Null for as long as there are no shaders, as the effects below.
-    [[maybe_unused]] ID3DXConstantTable* mSkelConstants = nullptr;
+    ID3DXConstantTable* mSkelConstants = nullptr;
     IDirect3DPixelShader9* mSkelPS = nullptr;
-    [[maybe_unused]] ID3DXBuffer* mShaderBuffer = nullptr;
+    ID3DXBuffer* mShaderBuffer = nullptr;
     IDirect3DVertexDeclaration9* mDecl2D = nullptr;
     IDirect3DVertexDeclaration9* mDecl3D = nullptr;
-    [[maybe_unused]] ID3DXEffect* mEffectTwoD = nullptr;
-    [[maybe_unused]] ID3DXEffect* mEffectBasic = nullptr;
-    [[maybe_unused]] ID3DXEffect* mEffectLight = nullptr;
-    [[maybe_unused]] ID3DXEffect* mEffectDistortion = nullptr;
-    [[maybe_unused]] ID3DXEffect* mEffectShadow = nullptr;
+    ID3DXEffect* mEffectTwoD = nullptr;
+    ID3DXEffect* mEffectBasic = nullptr;
+    ID3DXEffect* mEffectLight = nullptr;
+    ID3DXEffect* mEffectDistortion = nullptr;
+    ID3DXEffect* mEffectShadow = nullptr;
     ID3DXFont* mFont = nullptr;
     char mFontFace[256] = {};
     IDirect3DVertexBuffer9* mQuadVB = nullptr;
@@ -248,6 +294,7 @@ private:
     IDirect3DSurface9* mRTBeamSurface = nullptr;
     IDirect3DTexture9* mRTParticlesTexture = nullptr;
     IDirect3DSurface9* mRTParticlesSurface = nullptr;
+    IDirect3DTexture9* mWhite = nullptr; // what a draw without a texture has
 };
 
 template <>

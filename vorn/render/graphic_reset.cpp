@@ -14,6 +14,12 @@ constexpr DWORD Pause = 10; // (unit: milliseconds)
 constexpr int MostRefusals = 100;
 constexpr int MostMessages = 1000; // in a pause: a procedure may post itself the next one for ever
 
+// A device that a host has made itself may have no window that we know of.
+bool HasGone(HWND window) {
+    RECT rect;
+    return window && !GetWindowRect(window, &rect);
+}
+
 // The window while the device stays lost. A device in full screen comes back with the focus, and
 // the focus comes with messages; and whoever cannot get the picture back must be able to close the
 // window. Messages of the host's own, which have no window, wait for the host.
@@ -34,9 +40,7 @@ public:
             TranslateMessage(&message);
             DispatchMessageA(&message);
         }
-        // A device that a host has made itself may have no window that we know of.
-        RECT rect;
-        if (mWindow && !GetWindowRect(mWindow, &rect))
+        if (HasGone(mWindow))
             return false;
         Sleep(Pause);
         return true;
@@ -68,14 +72,21 @@ void Graphic::Reset() {
     if (!LiveDevice())
         return;
     releaseForReset();
-    resetDevice();
+    const bool works = resetDevice();
     if (!LiveDevice())
         return;
     // Where the window has gone the rest fails, call by call, and nobody looks at it.
     setDefaults(200000.0f);
     makeHelpers();
     loadQuad();
-    InitShaders();
+    try {
+        InitShaders();
+    } catch (...) {
+        if (!works || HasGone(mWnd))
+            return;
+        releaseForReset();
+        throw;
+    }
 }
 
 void Graphic::releaseForReset() {
@@ -83,32 +94,30 @@ void Graphic::releaseForReset() {
     ReleaseObject(mLine);
     ReleaseObject(mQuadVB);
     ReleaseObject(mQuadIB);
-    ReleaseObject(mSkelVS);
-    ReleaseObject(mSkelPS);
-    ReleaseObject(mSkelDecl);
-    ReleaseObject(mDecl2D);
-    ReleaseObject(mDecl3D);
+    releaseShaders();
     releaseTargets();
 }
 
-void Graphic::resetDevice() {
+// Whether the device works again.
+bool Graphic::resetDevice() {
     Patience patience(mWnd);
     int refusals = 0;
     while (LiveDevice()) { // a message may have ended it
         const HRESULT result = m3DDevice->Reset(&m3Dpp);
         if (result == D3D_OK)
-            return;
+            return true;
         if (result == D3DERR_DRIVERINTERNALERROR) {
             DestroyWindow(mWnd);
-            return;
+            return false;
         }
         refusals = result == D3DERR_DEVICELOST ? 0 : refusals + 1;
         if (refusals == MostRefusals)
             throw std::runtime_error("cannot reset the device: an object in the default pool is "
                                      "still alive");
         if (!patience.Wait())
-            return;
+            return false;
     }
+    return false;
 }
 
 } // namespace Vorn

@@ -1,30 +1,32 @@
 // SPDX-License-Identifier: MIT
+//
+// Bones are evaluated four or eight at a time, from the two keys of each that count, read where the
+// mesh has them. What is out of the ordinary is left to the plain way, one bone at a time: a bone
+// with fewer than two keys, keys of one time, a clock far outside of the interval, values that are
+// no numbers.
 #include "vorn/resource/skeleton.hpp"
 
+#include "vorn/core/float4.hpp"
 #include "vorn/resource/mesh.hpp"
 
 #include <d3dx9.h>
 
 #include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <vector>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 namespace Vorn {
 
 namespace {
 
-void AdvanceClock(float dt, Mesh& mesh) {
-    mesh.mTime += dt;
-    // Written so that a NaN goes back too.
-    const bool ended = !(mesh.mTime < mesh.mDuration);
-    if (ended)
-        mesh.mTime = 0.0f;
-    for (Bone& bone : mesh.mBones) {
-        if (ended)
-            bone.mCurrentKey = 1;
-        if (std::size_t{bone.mCurrentKey} + 1 < bone.mKeys.size() &&
-            bone.mKeys[bone.mCurrentKey].mTime < mesh.mTime)
-            ++bone.mCurrentKey;
-    }
-}
+// More than these, which a vertex could not name by a byte, are done the plain way.
+constexpr std::size_t MostBones = 256;
 
 Matrix4 PoseOf(const Vector3& position, const D3DXQUATERNION& rotation) {
     D3DXMATRIX turn, shift;
@@ -50,37 +52,100 @@ Matrix4 Between(const BoneKey& a, const BoneKey& b, float time) {
     return PoseOf(a.mPosition + (b.mPosition - a.mPosition) * along, rotation);
 }
 
+bool HasInterval(const Bone& bone) {
+    return bone.mCurrentKey > 0 && bone.mCurrentKey < bone.mKeys.size();
+}
+
 Matrix4 LocalPose(const Bone& bone, const Bone* parent, float time) {
     if (bone.mKeys.empty())
         return parent ? parent->mOffset * bone.mOffset.Inversed() : bone.mOffset.Inversed();
-    const std::size_t last = bone.mKeys.size() - 1;
-    if (bone.mCurrentKey == 0 || bone.mCurrentKey > last)
-        return PoseOf(bone.mKeys[last].mPosition, RotationOf(bone.mKeys[last]));
+    if (!HasInterval(bone))
+        return PoseOf(bone.mKeys.back().mPosition, RotationOf(bone.mKeys.back()));
     return Between(bone.mKeys[bone.mCurrentKey - 1], bone.mKeys[bone.mCurrentKey], time);
+}
+
+/// The plain way.
+void PlaceAlone(Bone& bone, const Bone* parent, float time) {
+    const Matrix4 local = LocalPose(bone, parent, time);
+    bone.mWorld = parent ? parent->mWorld * local : local;
+    bone.mFinal = bone.mWorld * bone.mOffset;
+}
+
+inline void StepCursor(Bone& bone, bool restart, float time) {
+    if (restart)
+        bone.mCurrentKey = 1;
+    const std::size_t current = bone.mCurrentKey;
+    if (current + 1 < bone.mKeys.size() && bone.mKeys[current].mTime < time)
+        ++bone.mCurrentKey;
+}
+
+/// Brings to the cache what will be needed. A load and no prefetch: those are dropped where the
+/// page is not at hand.
+inline void Touch(const void* memory) {
+    const char byte = *static_cast<const char*>(memory);
+    __asm__ volatile("" : : "r"(byte));
+}
+
+namespace Four {
+#define VORN_LANES 4
+#include "vorn/resource/pose_lanes.inl"
+#undef VORN_LANES
+} // namespace Four
+
+#if defined(__x86_64__)
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
+#pragma GCC push_options
+#pragma GCC target("avx2")
+#endif
+namespace Eight {
+#define VORN_LANES 8
+#include "vorn/resource/pose_lanes.inl"
+#undef VORN_LANES
+} // namespace Eight
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
+#pragma GCC pop_options
+#endif
+#endif
+
+void EvaluateMany(Mesh& mesh, bool restart) {
+    for (Bone& bone : mesh.mBones)
+        StepCursor(bone, restart, mesh.mTime);
+    std::vector<int> queue(mesh.mBones.size());
+    Four::Walk(mesh, queue.data(), [&](Bone& bone, const Bone* parent, std::size_t) {
+        PlaceAlone(bone, parent, mesh.mTime);
+    });
 }
 
 } // namespace
 
 void UpdateSkeleton(float dt, Mesh& mesh) {
-    AdvanceClock(dt, mesh);
+    mesh.mTime += dt;
+    // Written so that a NaN goes back too.
+    const bool restart = !(mesh.mTime < mesh.mDuration);
+    if (restart)
+        mesh.mTime = 0.0f;
+    if (mesh.mBones.size() > MostBones)
+        return EvaluateMany(mesh, restart);
+#if defined(__x86_64__)
+    if (__builtin_cpu_supports("avx2"))
+        return Eight::Evaluate(mesh, restart);
+#endif
+    Four::Evaluate(mesh, restart);
+}
 
-    // Parents before children, whatever their order in the array. A hierarchy that runs in a ring
-    // is no hierarchy, and ends when every bone could have had its turn.
-    std::vector<Bone>& bones = mesh.mBones;
-    std::vector<int> queue;
-    queue.reserve(std::max(bones.size(), mesh.mRoots.size()));
-    queue = mesh.mRoots;
-    for (std::size_t turn = 0; turn < queue.size() && turn < bones.size(); ++turn) {
-        const auto index = static_cast<std::size_t>(queue[turn]); // a negative one is huge
-        if (index >= bones.size())
-            continue;
-        Bone& bone = bones[index];
-        const auto above = static_cast<std::size_t>(bone.mParent);
-        const Bone* const parent = above < bones.size() ? &bones[above] : nullptr;
-        const Matrix4 local = LocalPose(bone, parent, mesh.mTime);
-        bone.mWorld = parent ? parent->mWorld * local : local;
-        bone.mFinal = bone.mWorld * bone.mOffset;
-        queue.insert(queue.end(), bone.mChildren.begin(), bone.mChildren.end());
+void StoreFinalTransforms(Mesh& mesh) {
+    if (!mesh.mFinalTransforms)
+        return;
+    const std::size_t count = std::min<std::size_t>(mesh.mBoneCount, mesh.mBones.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        Float4 rows[4];
+        std::memcpy(rows, mesh.mBones[i].mFinal.m, sizeof rows);
+        Transpose(rows);
+        std::memcpy(&mesh.mFinalTransforms[i], rows, sizeof rows);
     }
 }
 

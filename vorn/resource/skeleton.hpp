@@ -16,4 +16,8 @@ namespace Vorn {
 /// moves with its parent as if it were part of it, and of two keys of one time the later counts.
 VORN_API void UpdateSkeleton(float dt, Mesh& mesh);
 
+/// Writes mFinal of each bone, transposed, to mFinalTransforms: what the shader gets. A mesh
+/// without that array, or with fewer bones than mBoneCount, is written as far as both go.
+VORN_API void StoreFinalTransforms(Mesh& mesh);
+
 } // namespace Vorn

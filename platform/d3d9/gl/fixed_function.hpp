@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
-// The fixed function as a program: what differs between programs is the key, what differs between
-// draws is uniform.
+// The fixed function as the stages of a program: what differs between programs is the key, what
+// differs between draws is uniform. Either stage may have a shader of the host in its place.
 #pragma once
 
 #include "platform/d3d9/state.hpp"
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace VornPlatform {
 
@@ -42,16 +43,36 @@ enum : int {
     LightCount = 4,
     Lights = 5,
     // Behind the lights, each of which takes its places.
-    Place = 64
+    Place = 64,
+    // Of draws that are merged.
+    FirstRecord = 65,
+    RecordShift = 66
 };
 } // namespace Uniform
 
 /// The last line of every vertex shader: from Direct3D's clip space to where the pixels are, by
 /// OutputState::Place.
 inline constexpr const char* PlacePosition =
-    "    gl_Position.xy = gl_Position.xy * place.xy + gl_Position.w * place.zw;\n";
+    "    gl_Position.xy = gl_Position.xy * vp_place.xy + gl_Position.w * vp_place.zw;\n";
 
-std::string VertexSourceOf(const FixedFunctionKey& key);
-std::string PixelSourceOf(const FixedFunctionKey& key);
+/// What goes from stage to stage, four numbers each: `vp_v10_0` for the colour.
+struct Varying {
+    BYTE usage, index;
+
+    bool operator==(const Varying&) const = default;
+    std::string Name() const {
+        return "vp_v" + std::to_string(usage) + "_" + std::to_string(index);
+    }
+};
+inline constexpr Varying VertexColor = {D3DDECLUSAGE_COLOR, 0};
+inline constexpr Varying TextureCoordinates = {D3DDECLUSAGE_TEXCOORD, 0};
+
+/// Behind the declarations of what all programs have. The vertex stage writes all of the
+/// varyings, which are none but the two above.
+std::string FixedVertexSource(const FixedFunctionKey& key, const std::vector<Varying>& varyings);
+/// What is not among the varyings is white, or 0.
+std::string FixedPixelSource(const FixedFunctionKey& key, const std::vector<Varying>& varyings);
+/// The last lines of every pixel stage.
+std::string AlphaTestSource(const FixedFunctionKey& key);
 
 } // namespace VornPlatform

@@ -15,12 +15,14 @@ GlBackend::GlBackend(std::unique_ptr<GlContext> context) : mContext(std::move(co
 GlBackend::~GlBackend() {
     const bool lives = MakeCurrent();
     mStream.Free(lives);
+    mRing.Free(lives);
     if (!lives)
         return;
     mFramebuffers.Free();
+    mMeshes.Free();
     mPrograms.Free();
     mArrays.Free();
-    mSamplers.Free();
+    mUnits.Free();
 }
 
 std::unique_ptr<GpuTexture> GlBackend::CreateTexture(const TextureDesc& desc) {
@@ -33,21 +35,30 @@ std::unique_ptr<GpuBuffer> GlBackend::CreateBuffer(BufferKind kind, UINT size) {
 
 // OpenGL unbinds what is deleted, and may give the same name again.
 void GlBackend::Forget(const GlTexture& texture) {
+    Flush();
     if (mFramebuffers.Forget(texture))
         mBoundFramebuffer.Forget();
-    mBoundTexture.Forget();
+    mUnits.Forget();
     mPending |= Changed::Target | Changed::Textures;
 }
 
 void GlBackend::Forget(const GlBuffer& buffer) {
+    ForgetCopies(buffer);
     mArrays.Forget(buffer.Name());
     mPending |= Changed::Vertices | Changed::Indices;
+}
+
+void GlBackend::ForgetCopies(const GlBuffer& buffer) {
+    Flush();
+    if (buffer.HasCopies())
+        mMeshes.Forget(buffer, [this](GLuint name) { mArrays.Forget(name); });
 }
 
 void GlBackend::Clear(const Target& target, const RECT& rect, DWORD flags, D3DCOLOR color,
                       float z) {
     if (rect.right <= rect.left || rect.bottom <= rect.top || !MakeCurrent())
         return;
+    Flush();
     const GLuint framebuffer = mFramebuffers.Of(Of(target.color), Of(target.depth));
     mOutput.Scissor(rect);
     mOutput.Scissor(true);
@@ -66,6 +77,7 @@ void GlBackend::Present(GpuTexture& backBuffer, UINT width, UINT height, HWND ha
                         bool waitForDisplay) {
     if (!MakeCurrent())
         return;
+    Flush();
     SDL_Window* window = mContext->MakeCurrentFor(handle);
     if (!window) {
         glFlush();

@@ -4,10 +4,12 @@
 // device keeps it, and what differs from the draw before reaches OpenGL.
 //
 //   [X] fixed function, one texture stage, lights
-//   [ ] shaders, more than one stage, stencil, fog
+//   [X] shaders, sixteen samplers
+//   [ ] more than one stage, cube and volume textures, stencil, fog
 #pragma once
 
 #include "platform/d3d9/backend.hpp"
+#include "platform/d3d9/gl/batch.hpp"
 #include "platform/d3d9/gl/context.hpp"
 #include "platform/d3d9/gl/framebuffers.hpp"
 #include "platform/d3d9/gl/gl_buffer.hpp"
@@ -15,7 +17,8 @@
 #include "platform/d3d9/gl/lights.hpp"
 #include "platform/d3d9/gl/output_state.hpp"
 #include "platform/d3d9/gl/programs.hpp"
-#include "platform/d3d9/gl/samplers.hpp"
+#include "platform/d3d9/gl/texture_units.hpp"
+#include "platform/d3d9/gl/uniform_ring.hpp"
 #include "platform/d3d9/gl/vertex_arrays.hpp"
 
 namespace VornPlatform {
@@ -35,8 +38,12 @@ public:
 
     // For its textures and buffers.
     bool MakeCurrent() { return mContext->MakeCurrent(); }
+    /// Draws that wait are drawn: before anything that they use, or draw to, is touched.
+    void Flush();
     void Forget(const GlTexture& texture);
     void Forget(const GlBuffer& buffer);
+    /// It is about to be written.
+    void ForgetCopies(const GlBuffer& buffer);
 
 private:
     /// A matrix, and which one it is: programs compare the number.
@@ -50,24 +57,42 @@ private:
     void resolveOutput(const State& state, unsigned int groups);
     void resolveProgram(const State& state);
     void resolveMatrices(const State& state, unsigned int groups);
-    void resolveTexture(const State& state);
+    void resolveTextures(const State& state);
+    bool resolveBlocks(const State& state);
+    bool resolveBlock(unsigned int binding, const ShaderState& shader);
     unsigned int makeRoom();
     void loadUniforms(const State& state, bool lines);
     void loadLights(const State& state);
     bool bindVertices(const State& state, const Primitive& primitive, UINT vertexCount);
-    void drawIndexed(const State& state, const Primitive& primitive, GLenum mode, UINT count);
+    void bindSource(const VertexSource& source);
+    void bindIndices(GLuint buffer);
+    void drawBound(const Primitive& primitive, const GlBuffer* indices, bool wide);
+
+    UINT mayMerge(const State& state, const Primitive& primitive);
+    bool joinBatch(const State& state, const Primitive& primitive);
+    void openBatch(const State& state, const Primitive& primitive);
+    bool addBlock(const State& state);
+    static void loadRecords(Program& program, int first, int shift);
+    void drawCopies(const MeshKey& key, const MeshCopy& mesh);
+    void drawOneByOne(const MeshKey& key);
+    void freeMeshes();
 
     std::unique_ptr<GlContext> mContext;
     Framebuffers mFramebuffers;
     Programs mPrograms;
     VertexArrays mArrays;
-    Samplers mSamplers;
+    TextureUnits mUnits;
     StreamBuffer mStream;
+    UniformRing mRing;
+    Batch mBatch;
+    MeshCopies mMeshes;
+    UINT mMerging = 0; // draws that the next one may be merged with
 
     // Groups that the next draw looks at, whatever the device says.
     unsigned int mPending = Changed::All;
     VertexArray* mArray = nullptr;
     Program* mProgram = nullptr;
+    bool mBlocksLoaded = true; // else there was no memory, and nothing can be drawn
 
     Versioned mWorldViewProjection, mWorldView, mTextureMatrix;
     unsigned int mPlaceVersion = 1;
@@ -76,8 +101,17 @@ private:
     unsigned int mLightsVersion = 1;
     bool mLightsKnown = false;
 
+    /// What a binding's range holds.
+    struct LoadedBlock {
+        const std::byte* place = nullptr;
+        std::size_t size = 0;
+        unsigned int version = 0;
+    };
+    std::array<LoadedBlock, 2> mBlocks;
+
     OutputState mOutput;
-    Shadow<GLuint> mBoundFramebuffer, mBoundProgram, mBoundArray, mBoundTexture, mBoundSampler;
+    Shadow<GLuint> mBoundFramebuffer, mBoundProgram, mBoundArray;
+    Shadow<bool> mPointSize; // is the program's
 };
 
 } // namespace VornPlatform

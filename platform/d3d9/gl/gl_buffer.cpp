@@ -33,6 +33,7 @@ GlBuffer::~GlBuffer() {
 void* GlBuffer::Map(UINT offset, UINT size, bool discard) {
     if (!mBackend.MakeCurrent())
         return nullptr;
+    mBackend.ForgetCopies(*this);
     // OpenGL waits for draws that still read the buffer, unless the content may go: then it takes
     // other memory.
     const GLbitfield access =
@@ -48,9 +49,10 @@ void GlBuffer::Unmap() {
 }
 
 void GlBuffer::Write(UINT offset, UINT size, const void* data) {
-    if (mBackend.MakeCurrent())
-        glNamedBufferSubData(mName, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(size),
-                             data);
+    if (!mBackend.MakeCurrent())
+        return;
+    mBackend.ForgetCopies(*this);
+    glNamedBufferSubData(mName, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(size), data);
 }
 
 bool StreamBuffer::Write(const void* data, std::size_t size) {

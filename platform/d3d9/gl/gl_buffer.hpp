@@ -25,6 +25,9 @@ public:
 
     GLuint Name() const { return mName; }
     UINT Size() const { return mSize; }
+    /// Its content is kept elsewhere too.
+    void NoteCopied() const { mHasCopies = true; }
+    bool HasCopies() const { return mHasCopies; }
 
 private:
     /// Without memory yet.
@@ -33,6 +36,7 @@ private:
     GlBackend& mBackend;
     GLuint mName = 0;
     UINT mSize;
+    mutable bool mHasCopies = false;
 };
 
 /// Vertices that are used once, one draw behind the other. When it is full it starts anew in fresh

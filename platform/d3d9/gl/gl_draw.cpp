@@ -51,9 +51,13 @@ Shape ShapeOf(D3DPRIMITIVETYPE type) {
     }
 }
 
+UINT VerticesOf(const Shape& shape, const Primitive& primitive) {
+    return primitive.count * shape.perPrimitive + shape.extra;
+}
+
 // What the program's key is made of.
-constexpr unsigned int ProgramGroups =
-    Changed::Format | Changed::Lights | Changed::Stage | Changed::Textures | Changed::AlphaTest;
+constexpr unsigned int ProgramGroups = Changed::Format | Changed::Lights | Changed::Stage |
+                                       Changed::Textures | Changed::AlphaTest | Changed::Shaders;
 
 } // namespace
 
@@ -66,45 +70,66 @@ void GlBackend::Versioned::Set(const D3DMATRIX& matrix) {
 
 void GlBackend::Draw(const State& state, unsigned int changed, const Primitive& primitive) {
     mPending |= changed;
-    if (!state.format || !state.target.color || !MakeCurrent())
+    if (!MakeCurrent()) {
+        mBatch.Close(); // and its memory with it
         return;
+    }
+    if (mBatch.IsOpen()) {
+        if (joinBatch(state, primitive))
+            return;
+        Flush();
+    }
+    if (!state.format || !state.target.color)
+        return;
+    if (const UINT merge = mayMerge(state, primitive); merge != mMerging) {
+        mMerging = merge;
+        mPending |= Changed::Shaders;
+    }
     if (mPending != 0) {
         resolve(state, mPending);
         mPending = 0;
     }
-    if (mProgram->name == 0)
+    if (mProgram->name == 0 || !mBlocksLoaded)
         return;
+    if (mMerging > 0)
+        return openBatch(state, primitive);
     const Shape shape = ShapeOf(primitive.type);
-    const UINT count = primitive.count * shape.perPrimitive + shape.extra;
-    if (!bindVertices(state, primitive, count))
+    if (!bindVertices(state, primitive, VerticesOf(shape, primitive)))
         return;
     const bool lines = shape.mode == GL_LINES || shape.mode == GL_LINE_STRIP ||
                        state.raster.fill == D3DFILL_WIREFRAME;
     loadUniforms(state, lines);
-    if (primitive.indexed) {
-        drawIndexed(state, primitive, shape.mode, count);
-        return;
-    }
-    const UINT start = primitive.userVertices ? 0 : primitive.start;
-    glDrawArrays(shape.mode, static_cast<GLint>(start), static_cast<GLsizei>(count));
-    ++glCounters.drawCalls;
+    drawBound(primitive, primitive.indexed ? Of(state.indices) : nullptr, state.wideIndices);
 }
 
-void GlBackend::drawIndexed(const State& state, const Primitive& primitive, GLenum mode,
-                            UINT count) {
-    const GlBuffer* indices = Of(state.indices);
-    const UINT size = state.wideIndices ? 4 : 2;
-    if (mArray->indices.Set(indices->Name()))
-        glVertexArrayElementBuffer(mArray->name, indices->Name());
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): an offset in a pointer
-    const auto* offset = reinterpret_cast<const void*>(std::uintptr_t(primitive.start) * size);
-    const GLenum type = state.wideIndices ? GL_UNSIGNED_INT : GL_UNSIGNED_SHORT;
-    if (primitive.baseVertex == 0)
-        glDrawElements(mode, static_cast<GLsizei>(count), type, offset);
-    else
-        glDrawElementsBaseVertex(mode, static_cast<GLsizei>(count), type, offset,
-                                 primitive.baseVertex);
+void GlBackend::drawBound(const Primitive& primitive, const GlBuffer* indices, bool wide) {
+    const Shape shape = ShapeOf(primitive.type);
+    const auto count = static_cast<GLsizei>(VerticesOf(shape, primitive));
     ++glCounters.drawCalls;
+    if (!indices) {
+        const UINT start = primitive.userVertices ? 0 : primitive.start;
+        glDrawArrays(shape.mode, static_cast<GLint>(start), count);
+        return;
+    }
+    bindIndices(indices->Name());
+    const std::uintptr_t start = std::uintptr_t(primitive.start) * (wide ? 4 : 2);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): an offset in a pointer
+    const auto* offset = reinterpret_cast<const void*>(start);
+    const GLenum type = wide ? GL_UNSIGNED_INT : GL_UNSIGNED_SHORT;
+    if (primitive.baseVertex == 0)
+        glDrawElements(shape.mode, count, type, offset);
+    else
+        glDrawElementsBaseVertex(shape.mode, count, type, offset, primitive.baseVertex);
+}
+
+void GlBackend::bindIndices(GLuint buffer) {
+    if (mArray->indices.Set(buffer))
+        glVertexArrayElementBuffer(mArray->name, buffer);
+}
+
+void GlBackend::bindSource(const VertexSource& source) {
+    if (mArray->vertices.Set(source))
+        glVertexArrayVertexBuffer(mArray->name, 0, source.buffer, source.offset, source.stride);
 }
 
 bool GlBackend::bindVertices(const State& state, const Primitive& primitive, UINT vertexCount) {
@@ -118,8 +143,7 @@ bool GlBackend::bindVertices(const State& state, const Primitive& primitive, UIN
         source = {Of(state.vertices)->Name(), static_cast<GLintptr>(state.vertexOffset),
                   static_cast<GLsizei>(state.stride)};
     }
-    if (mArray->vertices.Set(source))
-        glVertexArrayVertexBuffer(mArray->name, 0, source.buffer, source.offset, source.stride);
+    bindSource(source);
     return true;
 }
 
@@ -135,7 +159,9 @@ void GlBackend::resolve(const State& state, unsigned int groups) {
         resolveProgram(state);
     resolveMatrices(state, groups);
     if (groups & (ProgramGroups | Changed::Samplers))
-        resolveTexture(state);
+        resolveTextures(state);
+    if (groups & (ProgramGroups | Changed::Constants))
+        mBlocksLoaded = resolveBlocks(state);
 }
 
 void GlBackend::resolveOutput(const State& state, unsigned int groups) {
@@ -164,21 +190,32 @@ unsigned int GlBackend::makeRoom() {
         mBoundArray.Forget();
         groups |= Changed::Format;
     }
-    if (mSamplers.Full()) {
-        mSamplers.Free();
-        mBoundSampler.Forget();
+    if (mUnits.MakeRoom())
         groups |= Changed::Samplers;
+    if (mPrograms.Full()) {
+        mPrograms.Free();
+        mProgram = nullptr;
+        mBoundProgram.Forget();
+        groups |= Changed::Shaders;
     }
     return groups;
 }
 
 void GlBackend::resolveProgram(const State& state) {
-    const FixedFunctionKey key =
-        KeyOf(state, {mArray->hasNormal, mArray->hasColor, mArray->hasCoordinates});
-    if (!mProgram || mProgram->key != key)
-        mProgram = &mPrograms.Of(key);
+    const ShaderState &vertex = state.vertexShader, &pixel = state.pixelShader;
+    const ProgramParts parts = {
+        vertex.code, pixel.code,
+        KeyOf(state, {mArray->hasNormal, mArray->hasColor, mArray->hasCoordinates}), mMerging};
+    if (!mProgram || mProgram->parts != parts)
+        mProgram = &mPrograms.Of(parts, vertex.holder, pixel.holder);
+    if (mMerging > 0 && mProgram->name == 0) {
+        mMerging = 0;
+        return resolveProgram(state);
+    }
     if (mBoundProgram.Set(mProgram->name))
         glUseProgram(mProgram->name);
+    if (mPointSize.Set(mProgram->setsPointSize))
+        (mProgram->setsPointSize ? glEnable : glDisable)(GL_PROGRAM_POINT_SIZE);
 }
 
 void GlBackend::resolveMatrices(const State& state, unsigned int groups) {
@@ -195,15 +232,32 @@ void GlBackend::resolveMatrices(const State& state, unsigned int groups) {
         mLightsKnown = false;
 }
 
-void GlBackend::resolveTexture(const State& state) {
-    if (!mProgram->key.textured)
-        return;
-    const GlTexture* texture = Of(state.textures[0]);
-    if (mBoundTexture.Set(texture->Name()))
-        glBindTextureUnit(0, texture->Name());
-    const GLuint sampler = mSamplers.Of(state.samplers[0], texture->Format());
-    if (mBoundSampler.Set(sampler))
-        glBindSampler(0, sampler);
+void GlBackend::resolveTextures(const State& state) {
+    for (const SamplerUse& use : mProgram->samplers)
+        mUnits.Bind(use.unit, use.kind, Of(state.textures[use.unit]), state.samplers[use.unit]);
+}
+
+bool GlBackend::resolveBlocks(const State& state) {
+    return mMerging > 0 ||
+           (resolveBlock(Block::Vertex, state.vertexShader) &&
+            (mProgram->sharesBlock || resolveBlock(Block::Pixel, state.pixelShader)));
+}
+
+bool GlBackend::resolveBlock(unsigned int binding, const ShaderState& shader) {
+    const std::size_t size = shader.code ? shader.code->blockSize : 0;
+    if (size == 0)
+        return true;
+    LoadedBlock& loaded = mBlocks[binding];
+    if (mRing.Keeps(loaded.place) && loaded.size == size && loaded.version == shader.version)
+        return true;
+    std::byte* place = mRing.Take(size);
+    loaded = {place, size, shader.version};
+    if (!place)
+        return false;
+    std::memcpy(place, shader.constants, size);
+    glBindBufferRange(GL_UNIFORM_BUFFER, binding, mRing.Name(), mRing.OffsetOf(place),
+                      static_cast<GLsizeiptr>(size));
+    return true;
 }
 
 // Each program keeps its own uniforms. The matrices go as they are: a row of Direct3D is a column
@@ -216,18 +270,21 @@ void GlBackend::loadUniforms(const State& state, bool lines) {
         version = matrix.version;
         glUniformMatrix4fv(location, 1, GL_FALSE, &matrix.value.m[0][0]);
     };
-    load(Uniform::WorldViewProjection, mWorldViewProjection, program.worldViewProjection);
     const unsigned int place = 2 * mPlaceVersion + (lines ? 1u : 0u);
     if (program.place != place)
         glUniform4fv(Uniform::Place, 1, mOutput.Place(lines).data());
     program.place = place;
-    if (program.key.transformed)
-        load(Uniform::TextureMatrix, mTextureMatrix, program.textureMatrix);
-    if (program.key.lighting == Lighting::Lit) {
-        load(Uniform::WorldView, mWorldView, program.worldView);
-        loadLights(state);
+    const FixedFunctionKey& key = program.parts.fixed;
+    if (!program.parts.vertex) {
+        load(Uniform::WorldViewProjection, mWorldViewProjection, program.worldViewProjection);
+        if (key.transformed)
+            load(Uniform::TextureMatrix, mTextureMatrix, program.textureMatrix);
+        if (key.lighting == Lighting::Lit) {
+            load(Uniform::WorldView, mWorldView, program.worldView);
+            loadLights(state);
+        }
     }
-    if (program.key.alphaTest != 0) {
+    if (key.alphaTest != 0) {
         const auto reference = static_cast<int>(state.alphaTest.reference & 0xff);
         if (program.alphaReference != reference)
             glUniform1i(Uniform::AlphaReference, reference);

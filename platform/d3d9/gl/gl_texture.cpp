@@ -75,6 +75,7 @@ void GlTexture::Write(UINT level, const RECT& rect, const void* pixels, UINT pit
     const Box box(rect);
     if (box.Empty() || mFormat.depth || !mBackend.MakeCurrent())
         return;
+    mBackend.Flush();
     if (mFormat.compressed)
         return writeBlocks(level, rect, pixels, pitch);
     const auto write = [&](GLint y, GLsizei height, const void* from) {
@@ -120,6 +121,7 @@ bool GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
     const Box box(rect);
     if (box.Empty() || mFormat.depth || mFormat.compressed || !mBackend.MakeCurrent())
         return false;
+    mBackend.Flush();
     // In one go, then apart: the pitch need not be a whole number of pixels.
     const std::size_t rowBytes = Size(box.width) * mFormat.bytes;
     std::vector<BYTE> packed;
@@ -143,8 +145,10 @@ bool GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
 }
 
 void GlTexture::GenerateMips() {
-    if (!mFormat.compressed && !mFormat.depth && mBackend.MakeCurrent())
-        glGenerateTextureMipmap(mName);
+    if (mFormat.compressed || mFormat.depth || !mBackend.MakeCurrent())
+        return;
+    mBackend.Flush();
+    glGenerateTextureMipmap(mName);
 }
 
 } // namespace VornPlatform

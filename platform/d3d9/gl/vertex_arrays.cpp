@@ -54,6 +54,7 @@ int AttributeLocation(BYTE usage, BYTE index) {
         {D3DDECLUSAGE_POSITION, 1, 0},     {D3DDECLUSAGE_NORMAL, 1, 1},
         {D3DDECLUSAGE_COLOR, 2, 2},        {D3DDECLUSAGE_TEXCOORD, 8, 4},
         {D3DDECLUSAGE_BLENDWEIGHT, 1, 12}, {D3DDECLUSAGE_BLENDINDICES, 1, 13},
+        {D3DDECLUSAGE_TANGENT, 1, 14},     {D3DDECLUSAGE_BINORMAL, 1, 15},
     };
     for (const Range& range : ranges)
         if (range.usage == usage && index < range.count)
@@ -104,6 +105,15 @@ void VertexArrays::Forget(GLuint buffer) {
             glVertexArrayElementBuffer(array->name, 0);
             array->indices = {};
         }
+    }
+}
+
+void VertexArrays::ForgetBuffers() {
+    for (auto& [key, array] : mArrays) {
+        glVertexArrayVertexBuffer(array->name, 0, 0, 0, 0);
+        array->vertices = {};
+        glVertexArrayElementBuffer(array->name, 0);
+        array->indices = {};
     }
 }
 

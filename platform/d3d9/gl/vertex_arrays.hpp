@@ -37,6 +37,8 @@ public:
     VertexArray& Of(const VertexFormat& format);
     /// The buffer is about to go; an array object would keep its memory.
     void Forget(GLuint buffer);
+    /// All of them.
+    void ForgetBuffers();
     /// Time to free them: a host may make format after format.
     bool Full() const { return mArrays.size() >= 1024 || mById.size() >= 4096; }
     /// OpenGL unbinds them, and may give the same names again.

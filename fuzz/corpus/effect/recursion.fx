@@ -1,0 +1,1 @@
+float4 P() : COLOR { return P(); } technique { pass { PixelShader = compile ps_3_0 P(); } }

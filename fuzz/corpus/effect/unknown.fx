@@ -1,0 +1,1 @@
+static float f = g(); float g() { return f; } float4 P(float4 a : TEXCOORD99, float4 b, S c) : FOO { return unknown(f)._11_99; } technique { pass { PixelShader = compile ps_9_9 P(1, 2); } pass { VertexShader = compile vs_3_0 P(); } }

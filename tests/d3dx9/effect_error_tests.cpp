@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+//
+// Broken files: each fault names its file and line, and nothing is left behind.
+#include "tests/d3dx9/effect_picture.hpp"
+#include "tests/support/temp_folder.hpp"
+
+#include <gmock/gmock.h>
+
+#include <regex>
+
+namespace Tests {
+namespace {
+
+using testing::HasSubstr;
+
+/// The text stands in the second line, after a vertex shader V; a pixel shader P and a technique of
+/// both follow where it has none of its own.
+struct BrokenFile {
+    const char* name;
+    int line;         // of the first fault, negative in an included file; 0 for any
+    const char* says; // some of it
+    const char* text;
+};
+void PrintTo(const BrokenFile& b, std::ostream* out) {
+    *out << b.name;
+}
+
+const BrokenFile broken[] = {
+    {"Syntax", 3, "", "float4 P() : COLOR {\n float4 o = 1 +;\n return o; }"},
+    {"UnknownIdentifier", 4, "missingThing", "float4 P() : COLOR {\n\n return missingThing * 2; }"},
+    {"UnknownType", 3, "flaot4", "\nflaot4 P() : COLOR { return 1; }"},
+    {"UnknownFunction", 3, "nothingLike", "float4 P() : COLOR {\n return nothingLike(1); }"},
+    {"WrongArguments", 4, "mul", "float4 P() : COLOR {\n\n return mul(1, 2, 3); }"},
+    {"MissingSemantic", 3, "emantic", "\nfloat4 P(float4 c) : COLOR { return c; }"},
+    {"MissingResultSemantic", 3, "emantic", "\nfloat4 P() { return 1; }"},
+    {"Recursion", 2, "ecurs",
+     "float F(float x) { return x > 1 ? F(x - 1) : x; }\nfloat4 P() : COLOR { return F(3); }"},
+    {"ErrorDirective", 3, "Choose a light", "#if 1\n#error Choose a light\n#endif"},
+    {"UnendedComment", 3, "omment", "\n/* float4 P() : COLOR { return 1; }"},
+    {"UnendedString", 2, "closing", "string Author = \"me;\n"},
+    {"UnendedCondition", 2, "if", "#ifdef THERE\n"},
+    {"MissingInclude", 3, "nowhere.fxh", "\n#include \"nowhere.fxh\""},
+    {"InAnInclude", -3, "undeclaredThere",
+     "#include \"bad.fxh\"\nfloat4 P() : COLOR { return Bad(); }"},
+    {"IncludesGoRound", -2, "nclude", "#include \"round.fxh\"\n"},
+    {"InAMacro", 5, "missingScale",
+     "#define HALF(x) ((x) * missingScale)\nfloat4 P() : COLOR {\n return\n HALF(1); }"},
+    {"AfterWhatIsTakenOff", 8, "undeclaredHere",
+     "texture t < string Name =\n \"x\"; >;\nsampler s = sampler_state {\n Texture = <t>;\n\n};\n"
+     "float4 P() : COLOR { return undeclaredHere; }"},
+    // Of the effect around the shaders.
+    {"UnknownState", 4, "CullMoode", "technique T {\n pass P {\n  CullMoode = None;\n } }"},
+    {"UnknownValue", 3, "Sideways", "technique T { pass P {\n  CullMode = Sideways; } }"},
+    {"UnknownEntry", 4, "Missing",
+     "technique T { pass P {\n\n PixelShader = compile ps_2_0 Missing(); } }"},
+    {"UnknownProfile", 3, "vs_9_9",
+     "technique T { pass P {\n VertexShader = compile vs_9_9 V(); } }"},
+    {"TooManyArguments", 3, "V",
+     "technique T { pass P {\n VertexShader = compile vs_2_0 V(1, 2); } }"},
+    {"UnendedTechnique", 0, "", "technique T {\n pass P { ZEnable = TRUE; }\n"},
+    {"UnendedPass", 0, "", "technique T { pass P { ZEnable = TRUE;\n"},
+    {"NoValue", 2, "", "technique T { pass P { ZEnable = ; } }"},
+    {"NoEnd", 3, "", "technique T { pass P { ZEnable = TRUE\n CullMode = None; } }"},
+    {"UnknownTexture", 3, "Nothing", "technique T { pass P {\n Texture[0] = <Nothing>; } }"},
+    {"UnknownSamplerState", 4, "Colour",
+     "texture t; sampler s = sampler_state {\n Texture = <t>;\n Colour = 1; };\n"},
+    {"SamplerNotEnded", 0, "", "texture t; sampler s = sampler_state { Texture = <t>;\n"},
+    {"NoSemicolon", 3, "", "float Amount = 0.5\nfloat Other;\n"},
+    {"SameParameterTwice", 3, "Amount", "float Amount;\nfloat4 Amount;\n"},
+};
+const std::string vertexShader = "float4 V(float4 p : POSITION) : POSITION { return p; }\n",
+                  pixelShader = "\nfloat4 P() : COLOR { return 1; }\n",
+                  technique = "\ntechnique T { pass P { VertexShader = compile vs_2_0 V(); "
+                              "PixelShader = compile ps_2_0 P(); } }\n";
+
+class EffectErrorTest : public EffectPictureTest, public testing::WithParamInterface<BrokenFile> {
+protected:
+    std::string Refused(const std::string& text) {
+        const std::string path = folder.File("broken.fx", text);
+        Held<ID3DXBuffer> errors;
+        auto* effect = reinterpret_cast<ID3DXEffect*>(1);
+        EXPECT_LT(D3DXCreateEffectFromFileA(device, path.c_str(), nullptr, nullptr, 0, nullptr,
+                                            &effect, errors.Out()),
+                  0);
+        EXPECT_EQ(effect, nullptr);
+        const Held<ID3DXEffect> unexpected(effect);
+        EXPECT_NE(errors.Get(), nullptr);
+        if (errors) {
+            const auto* said = static_cast<const char*>(errors->GetBufferPointer());
+            EXPECT_EQ(said[errors->GetBufferSize() - 1], '\0');
+        }
+        return TextOf(errors);
+    }
+    void ExpectFault(const BrokenFile& b, const std::string& text) {
+        folder.File("bad.fxh",
+                    "float Good() { return 1; }\n\nfloat4 Bad() { return undeclaredThere; }\n");
+        folder.File("round.fxh", "\n#include \"round.fxh\"\n");
+        const std::string said = Refused(text);
+        std::istringstream lines(said);
+        std::string line;
+        const std::regex form(R"(.+\((\d+)\): (error|warning): .+)");
+        bool first = true;
+        for (std::smatch parts; std::getline(lines, line);) {
+            ASSERT_TRUE(std::regex_match(line, parts, form)) << said;
+            if (parts[2] != "error" || !std::exchange(first, false))
+                continue;
+            if (b.line) {
+                EXPECT_EQ(std::stoi(parts[1]), std::abs(b.line)) << said;
+            }
+            if (b.line >= 0) {
+                EXPECT_THAT(line, HasSubstr("broken.fx("));
+            } else {
+                EXPECT_THAT(line, HasSubstr(".fxh("));
+            }
+            EXPECT_THAT(line, HasSubstr(b.says));
+        }
+        EXPECT_FALSE(first) << "no error: " << said;
+    }
+    TempFolder folder;
+};
+TEST_P(EffectErrorTest, NamesFileAndLine) {
+    const std::string text = GetParam().text;
+    const auto has = [&text](const char* what) { return text.find(what) != std::string::npos; };
+    ExpectFault(GetParam(), vertexShader + text + (has(" P(") ? "" : pixelShader) +
+                                (has("technique") ? "" : technique));
+    // What is right after a wrong one compiles.
+    Render(Compile(vertexShader + pixelShader + technique));
+    ExpectColor({1, 1, 1, 1});
+}
+INSTANTIATE_TEST_SUITE_P(All, EffectErrorTest, testing::ValuesIn(broken),
+                         [](const auto& c) { return std::string(c.param.name); });
+
+TEST_F(EffectErrorTest, AFileThatIsNotThereGivesNoText) {
+    Held<ID3DXEffect> effect;
+    Held<ID3DXBuffer> code, errors;
+    Held<ID3DXConstantTable> constants;
+    for (const std::string& path : {folder / "missing.fx", folder.Folder("folder.fx")}) {
+        EXPECT_LT(D3DXCreateEffectFromFileA(device, path.c_str(), nullptr, nullptr, 0x900, nullptr,
+                                            effect.Out(), errors.Out()),
+                  0);
+        EXPECT_EQ(effect.Get(), nullptr);
+        EXPECT_EQ(errors.Get(), nullptr);
+        EXPECT_LT(D3DXCompileShaderFromFileA(path.c_str(), nullptr, nullptr, "V", "vs_3_0", 0,
+                                             code.Out(), errors.Out(), constants.Out()),
+                  0);
+        EXPECT_EQ(code.Get(), nullptr);
+        EXPECT_EQ(errors.Get(), nullptr);
+        EXPECT_EQ(constants.Get(), nullptr);
+    }
+}
+
+TEST_F(EffectErrorTest, AShaderNamesItsFaultToo) {
+    const std::string path = folder.File(
+        "skin.vsh", vertexShader + pixelShader +
+                        "\nfloat4 Bad(float4 p : POSITION) : POSITION { return p * nowhere; }\n");
+    const std::tuple<const char*, const char*, const char*> faults[] = {
+        {"Bad", "vs_3_0", "skin.vsh(5): error: "},
+        {"Missing", "vs_3_0", "Missing"},
+        {"V", "vs_9_9", "vs_9_9"},
+        {"V", "", "profile"},
+        {"", "vs_3_0", "error"}};
+    Held<ID3DXBuffer> code, errors;
+    Held<ID3DXConstantTable> constants;
+    for (const auto& [entry, profile, says] : faults) {
+        EXPECT_LT(D3DXCompileShaderFromFileA(path.c_str(), nullptr, nullptr, entry, profile, 0,
+                                             code.Out(), errors.Out(), constants.Out()),
+                  0);
+        EXPECT_EQ(code.Get(), nullptr);
+        EXPECT_EQ(constants.Get(), nullptr);
+        EXPECT_THAT(TextOf(errors), HasSubstr(says));
+    }
+    // What the entry does not reach may be broken.
+    EXPECT_EQ(D3D_OK, D3DXCompileShaderFromFileA(path.c_str(), nullptr, nullptr, "V", "vs_3_0", 0,
+                                                 code.Out(), errors.Out(), nullptr));
+}
+
+TEST_F(EffectErrorTest, TextThatIsCutOffAnywhereIsRefusedOrDrawn) {
+    const std::string text = R"(#define K 0.5
+float4x4 M = { 1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,0,1 }; texture Map < string Name = "a\"b"; >;
+sampler s : register(s1) = sampler_state { Texture = <Map>; MinFilter = Linear; };
+struct Out { float4 p : POSITION; float2 t : TEXCOORD0; }; static const float2 taps[2] = { 1, 2, 3, 4 };
+Out V(float4 p : POSITION, float2 t : TEXCOORD0) { Out o = { mul(p, M), t }; return o; }
+float4 P(Out i, uniform bool b) : COLOR { if (b) clip(taps[1].x - 4); return tex2D(s, i.t) * K; }
+technique T < int Order = 1; > { pass P0 { VertexShader = compile vs_2_0 V(); PixelShader = compile ps_2_0 P(true); ZFunc = Less + 1; } }
+)";
+    const auto tryIt = [this](const std::string& cut) {
+        Held<ID3DXEffect> effect;
+        Held<ID3DXBuffer> errors;
+        const HRESULT result =
+            D3DXCreateEffect(device, cut.data(), static_cast<UINT>(cut.size()), nullptr, nullptr, 0,
+                             nullptr, effect.Out(), errors.Out());
+        EXPECT_EQ(result < 0, effect == nullptr) << cut;
+        EXPECT_EQ(result < 0, !TextOf(errors).empty()) << cut;
+    };
+    for (std::size_t end = 0; end < text.size(); end += 7)
+        tryIt(text.substr(0, end));
+    for (std::size_t at = 3; at < text.size(); at += 11)
+        tryIt(text.substr(0, at) + text.substr(at + 1));
+}
+
+} // namespace
+} // namespace Tests
