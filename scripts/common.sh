@@ -7,6 +7,7 @@ say() { printf '\033[1m== %s\033[0m\n' "$*"; }
 # What the project needs to be built and tested, all of Debian 12.
 build_packages=(g++ cmake ninja-build pkg-config libjsoncpp-dev libsdl2-dev
   libepoxy-dev libegl1 libgl1-mesa-dri libfreetype-dev libfontconfig-dev fonts-liberation libstb-dev
+  libopenal-dev libsndfile1-dev
   glslang-dev glslang-tools spirv-tools libspirv-cross-c-shared-dev libassimp-dev libmeshoptimizer-dev libcli11-dev libfmt-dev
   assimp-testmodels libgtest-dev libgmock-dev libbenchmark-dev libbullet-dev xvfb xauth xdotool weston)
 check_packages=(clang clang-format libclang-rt-14-dev)

@@ -181,6 +181,15 @@ FrameCounters CountFrame();
 /// 0xAARRGGBB, rows from the top, without gaps; X is 0xff. Empty for what cannot be read.
 std::vector<std::uint32_t> ReadPixels(IDirect3DSurface9* surface);
 
+// Sound.
+
+/// Systems of sound that start from now on play into memory, `rate` frames a second, and not on the
+/// machine; 0: on the machine again.
+void UseAudioLoopback(int rate);
+/// The next frames of what the system that was started last plays into memory: left and right by
+/// turns, from -1 to 1. Its time goes on by this alone. Empty if there is none.
+std::vector<float> RenderAudio(int frames);
+
 } // namespace VornPlatform
 
 #pragma GCC visibility pop

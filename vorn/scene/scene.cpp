@@ -9,6 +9,7 @@
 #include "vorn/resource/rsc_pack_manager.hpp"
 #include "vorn/scene/entity.hpp"
 #include "vorn/scene/entity_factory.hpp"
+#include "vorn/sound/sound_manager.hpp"
 
 #include <algorithm>
 #include <cassert>
@@ -194,6 +195,7 @@ void Scene::Update(float dt) {
     toDestroy.Serve([this](Entity* entity) { DestroyEntity(entity, true); });
     toAdd.DropLate();
     toRemove.DropLate();
+    SoundManager::Instance()->Update(dt);
 }
 
 void Scene::Deinit() {

@@ -3,9 +3,19 @@
 
 namespace Vorn {
 
-void SoundLoader::Load(const std::string& /*name*/) {}
+namespace {
 
-void SoundLoader::Unload(const std::string& /*name*/) {}
+constexpr const char* Directory = "data/audio/";
+
+} // namespace
+
+void SoundLoader::Load(const std::string& name) {
+    SoundManager::Instance()->CreateSound(Directory + name);
+}
+
+void SoundLoader::Unload(const std::string& name) {
+    SoundManager::Instance()->ReleaseSound(Directory + name);
+}
 
 void SoundLoader::Reload() {}
 

@@ -4,30 +4,17 @@
 #include "vorn/core/api.hpp"
 #include "vorn/core/singleton.hpp"
 #include "vorn/resource/rsc_manager.hpp"
-
-namespace FMOD {
-class Sound;
-}
+#include "vorn/sound/sound_manager.hpp"
 
 namespace Vorn {
 
-/// The number that a sound is played by: 0 is none, 1 to 10 are music, 11 to 33 are effects.
-enum SoundType : int {};
-
-struct Sound {
-    SoundType mType{};
-    FMOD::Sound* mSound = nullptr;
-
-    Sound() = default;
-    Sound(SoundType type, FMOD::Sound* sound = nullptr) : mType(type), mSound(sound) {}
-};
-
-/// The sounds of "data/audio/", as a pack lists them. The store's own map stays empty: Get raises
-/// for every name.
-/// So far nothing sounds: there is no sound system yet, and names are passed over.
+/// The sounds of "data/audio/", as a pack lists them: "bell.ogg", "meadow.ogg bgm". The store's own
+/// map stays empty: Get raises for every name.
 class VORN_API SoundLoader : public RscManager<Sound>, public Singleton<SoundLoader> {
 public:
+    /// Each time a new sound with a number of its own: SoundManager::CreateSound.
     void Load(const std::string& name) override;
+    /// Raises std::out_of_range for a name that was never loaded: SoundManager::ReleaseSound.
     void Unload(const std::string& name) override;
     /// Nothing: sounds are not the device's.
     void Reload() override;
