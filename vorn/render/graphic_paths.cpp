@@ -204,8 +204,7 @@ void Graphic::SetSkelMatrix(Mesh& mesh, D3DXMATRIX world, float dt) {
         static_cast<UINT>(std::min(std::size_t{mesh.mBoneCount}, mesh.mBones.size()));
     if (!mesh.mFinalTransforms && bones) // a copy of a mesh has none
         mesh.mFinalTransforms = new D3DXMATRIX[mesh.mBoneCount];
-    for (UINT i = 0; i < bones; ++i)
-        mesh.mFinalTransforms[i] = mesh.mBones[i].mFinal;
+    StoreFinalTransforms(mesh);
     if (mSkelConstants->GetConstantByName(nullptr, "FinalTransforms"))
         mSkelConstants->SetMatrixArray(m3DDevice, "FinalTransforms", mesh.mFinalTransforms, bones);
 

@@ -83,8 +83,9 @@ inline Rows Join(const Float4 (&rows)[4]) {
 
 /// As they lie in a Matrix4, which is aligned to floats only. Copied by std::memcpy they would take
 /// a way through memory.
-using Loose = float __attribute__((vector_size(4 * VORN_LANES), aligned(4), may_alias));
-using LooseFour = float __attribute__((vector_size(16), aligned(4), may_alias));
+// No alias declarations: clang would drop the alignment.
+typedef float Loose __attribute__((vector_size(4 * VORN_LANES), aligned(4), may_alias));
+typedef float LooseFour __attribute__((vector_size(16), aligned(4), may_alias));
 
 inline Float4 FourAt(const float* from) {
     return *reinterpret_cast<const LooseFour*>(from);

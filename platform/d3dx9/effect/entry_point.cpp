@@ -164,12 +164,11 @@ private:
                 if (token.kind == TokenKind::End)
                     continue;
                 std::string word(token.text);
-                const bool isFunction =
-                    std::any_of(text_.functions.begin(), text_.functions.end(),
-                                [&](const auto& f) { return f.name == FunctionName(word); });
+                const bool isFunction = text_.functionsByName.contains(FunctionName(word));
                 words.push_back({token.kind, 0, isFunction ? FunctionName(word) : SafeName(word)});
             }
             NameSamplerElements(words, text_.source);
+            CheckCalls(text_, words, {0, words.size()}, &call_.place);
             given.push_back(std::move(words));
         }
         return given;

@@ -3,10 +3,10 @@
 
 #include "platform/d3dx9/effect/hlsl_initializers.hpp"
 #include "platform/d3dx9/effect/hlsl_samplers.hpp"
+#include "platform/d3dx9/effect/loop_variables.hpp"
 #include "platform/d3dx9/effect/matrix_swizzles.hpp"
 
 #include <algorithm>
-#include <set>
 
 namespace VornPlatform {
 
@@ -116,9 +116,6 @@ void SpellTypes(ShaderText& text, bool keepRowMajor) {
 }
 
 void MakeNamesSafe(ShaderText& text) {
-    std::set<std::string, std::less<>> functions;
-    for (const HlslFunction& function : text.functions)
-        functions.insert(function.name);
     Words& words = text.words;
     for (std::size_t i = 0; i < words.size(); ++i) {
         Word& word = words[i];
@@ -128,33 +125,9 @@ void MakeNamesSafe(ShaderText& text) {
         const bool isMember = before < words.size() && words[before].is(".");
         if (isMember && IsSwizzle(word.text))
             continue;
-        word.text = !isMember && functions.contains(word.text) ? FunctionName(word.text)
-                                                               : SafeName(word.text);
+        word.text = !isMember && text.functionsByName.contains(word.text) ? FunctionName(word.text)
+                                                                          : SafeName(word.text);
     }
-}
-
-// What is called and is neither a function of the text nor one of Direct3D 9 never reaches the
-// compiler, which falls over some of them.
-void CheckCalls(const ShaderText& text) {
-    std::set<std::string, std::less<>> functions;
-    for (const HlslFunction& function : text.functions)
-        functions.insert(function.name);
-    const Words& words = text.words;
-    for (const HlslFunction& function : text.functions)
-        for (std::size_t i = function.body.begin; i < function.body.end; ++i) {
-            const std::size_t next = NextWord(words, i + 1);
-            if (!words[i].isName() || words[i].text.empty() || next >= words.size() ||
-                !words[next].is("("))
-                continue;
-            const std::string& name = words[i].text;
-            if (!functions.contains(name) && !IsIntrinsic(name) && !BuiltInType(name) &&
-                !IsOneOf(name, {"if", "for", "while", "switch", "return"}) &&
-                !text.types.find(name))
-                throw EffectError(PlaceOf(text.source, words[i].line),
-                                  "'" + (name.starts_with("hl_") ? name.substr(3) : name) +
-                                      "' is no function of Direct3D 9, and the file has none of "
-                                      "this name");
-        }
 }
 
 void CallHelpers(ShaderText& text) {
@@ -240,18 +213,63 @@ void TakeOutSemantics(ShaderText& text) {
 
 } // namespace
 
+namespace {
+
+// What has been put in as one word becomes words.
+void SplitWords(Words& words) {
+    Words split;
+    split.reserve(words.size());
+    for (Word& word : words)
+        if (word.text.find(' ') == std::string::npos)
+            split.push_back(std::move(word));
+        else
+            for (const Token& token : Lex(word.text))
+                if (token.kind != TokenKind::End)
+                    split.push_back({token.kind, word.line, std::string(token.text)});
+    words = std::move(split);
+}
+
+} // namespace
+
+void CheckCalls(const ShaderText& text, const Words& words, WordRange range,
+                const SourcePlace* place) {
+    for (std::size_t i = range.begin; i < std::min(range.end, words.size()); ++i) {
+        const std::size_t next = NextWord(words, i + 1);
+        if (!words[i].isName() || words[i].text.empty() || next >= range.end ||
+            !words[next].is("("))
+            continue;
+        const std::string& name = words[i].text;
+        const bool isKnown = IsIntrinsic(name) || text.types.find(name) ||
+                             IsOneOf(name, {"if", "for", "while", "switch", "return"}) ||
+                             text.functionsByName.contains(name);
+        if (!isKnown)
+            throw EffectError(place ? *place : PlaceOf(text.source, words[i].line),
+                              "'" + (name.starts_with("hl_") ? name.substr(3) : name) +
+                                  "' is no function of Direct3D 9, and the file has none of this "
+                                  "name");
+    }
+}
+
 void RewriteHlsl(ShaderText& text, bool keepRowMajor) {
     text.parse();
     TakeOutAttributes(text.words);
     SpellTypes(text, keepRowMajor);
     MakeNamesSafe(text);
     text.parse();
-    CheckCalls(text);
+    for (const HlslFunction& function : text.functions) {
+        CheckCalls(text, text.words, function.body);
+        for (const HlslArgument& argument : function.arguments)
+            CheckCalls(text, text.words, argument.start);
+    }
+    for (const HlslVariable& variable : text.variables)
+        CheckCalls(text, text.words, variable.start);
+    RewriteLoopVariables(text);
     RewriteSamplers(text);
     CallHelpers(text);
     SpellArguments(text);
     RewriteMatrixSwizzles(text);
     RewriteInitializers(text);
+    SplitWords(text.words);
     text.parse();
     TakeOutSemantics(text);
 }

@@ -17,6 +17,12 @@ namespace VornPlatform {
 /// through operations that hide it.
 void RewriteHlsl(ShaderText& text, bool keepRowMajor);
 
+/// What is called and is neither a function of the text nor one of Direct3D 9 never reaches the
+/// compiler, which falls over some of them: EffectError, at `place` if the words are not the
+/// text's.
+void CheckCalls(const ShaderText& text, const Words& words, WordRange range,
+                const SourcePlace* place = nullptr);
+
 /// The name that a variable, member or structure has in the rewritten text.
 std::string SafeName(const std::string& name);
 /// That of a function.

@@ -75,8 +75,10 @@ private:
 
     void lookAtCall(const HlslFunction& caller, const std::string& name,
                     const std::vector<WordRange>& parts, std::uint32_t line) {
-        for (const HlslFunction& callee : text_.functions) {
-            if (callee.name != name || callee.arguments.size() != parts.size())
+        const auto [first, last] = text_.functionsByName.equal_range(name);
+        for (auto at = first; at != last; ++at) {
+            const HlslFunction& callee = text_.functions[at->second];
+            if (callee.arguments.size() != parts.size())
                 continue;
             for (std::size_t i = 0; i < parts.size(); ++i) {
                 const auto argument = kinds_.find({&callee, callee.arguments[i].name});

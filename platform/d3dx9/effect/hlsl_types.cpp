@@ -32,7 +32,8 @@ bool ReadShape(std::string_view text, HlslType& type) {
 } // namespace
 
 bool IsSamplerType(std::string_view name) {
-    for (const char* word : {"sampler", "sampler1d", "sampler2d", "sampler3d", "samplercube"})
+    for (const char* word :
+         {"sampler", "sampler1d", "sampler2d", "sampler3d", "samplercube", "samplerstate"})
         if (EqualBlindToCase(name, word))
             return true;
     return false;

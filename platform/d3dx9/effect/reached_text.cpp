@@ -5,7 +5,6 @@
 #include "platform/d3dx9/effect/hlsl_rewrite.hpp"
 
 #include <algorithm>
-#include <set>
 
 namespace VornPlatform {
 
@@ -75,7 +74,6 @@ bool ReachedText::isParameter(const std::string& name) const {
 // constants only, and falls over some others.
 void ReachedText::findComputed() {
     const Words& words = source_.words;
-    std::set<std::string, std::less<>> names;
     for (std::size_t v = 0; v < source_.variables.size(); ++v) {
         const HlslVariable& variable = source_.variables[v];
         for (std::size_t i = variable.start.begin; i < variable.start.end; ++i) {
@@ -84,9 +82,9 @@ void ReachedText::findComputed() {
             const std::size_t next = NextWord(words, i + 1);
             const bool isCall = next < variable.start.end && words[next].is("(");
             if ((isCall && !BuiltInType(words[i].text)) || isParameter(words[i].text) ||
-                names.contains(words[i].text)) {
+                computedByName_.contains(words[i].text)) {
                 computed_[v] = true;
-                names.insert(variable.name);
+                computedByName_.emplace(variable.name, v);
                 break;
             }
         }
@@ -103,21 +101,22 @@ void ReachedText::reach(const Words& words, WordRange range) {
     while (!work.empty()) {
         const Work now = work.back();
         work.pop_back();
-        std::vector<std::string> names;
-        for (std::size_t i = now.range.begin; i < now.range.end; ++i)
-            if ((*now.words)[i].isName())
-                names.push_back((*now.words)[i].text);
-        std::sort(names.begin(), names.end());
-        for (std::size_t i = 0; i < functions_.size(); ++i)
-            if (!functions_[i] && Contains(names, source_.functions[i].name)) {
-                functions_[i] = true;
-                work.push_back({&source_.words, source_.functions[i].words});
+        for (std::size_t i = now.range.begin; i < now.range.end; ++i) {
+            const Word& word = (*now.words)[i];
+            if (!word.isName() || word.text.empty())
+                continue;
+            const auto [first, last] = source_.functionsByName.equal_range(word.text);
+            for (auto at = first; at != last; ++at)
+                if (!functions_[at->second]) {
+                    functions_[at->second] = true;
+                    work.push_back({&source_.words, source_.functions[at->second].words});
+                }
+            const auto variable = computedByName_.find(word.text);
+            if (variable != computedByName_.end() && !variables_[variable->second]) {
+                variables_[variable->second] = true;
+                work.push_back({&source_.words, source_.variables[variable->second].start});
             }
-        for (std::size_t i = 0; i < variables_.size(); ++i)
-            if (!variables_[i] && Contains(names, source_.variables[i].name) && computed_[i]) {
-                variables_[i] = true;
-                work.push_back({&source_.words, source_.variables[i].start});
-            }
+        }
     }
 }
 
@@ -136,8 +135,10 @@ void ReachedText::findWritten() {
                 // Arguments that the function may write; which ones is told for those of the file.
                 const auto parts = SplitAtCommas(words, {next + 1, Closing(words, next)});
                 const bool isOurs = words[i].text.starts_with("hl_");
-                for (const HlslFunction& callee : source_.functions)
-                    if (callee.name == words[i].text)
+                const auto [first, last] = source_.functionsByName.equal_range(words[i].text);
+                for (auto at = first; at != last; ++at)
+                    if (const HlslFunction& callee = source_.functions[at->second];
+                        !callee.arguments.empty())
                         for (std::size_t k = 0; k < std::min(parts.size(), callee.arguments.size());
                              ++k)
                             if (callee.arguments[k].isOut)

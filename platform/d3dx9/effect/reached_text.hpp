@@ -28,6 +28,7 @@ private:
     const ShaderText& source_;
     std::vector<bool> functions_;            // by index of the text's
     std::vector<bool> variables_, computed_; // of static ones: reached and computed, computed
+    std::map<std::string, std::size_t, std::less<>> computedByName_;
     std::vector<std::string> written_;
     std::vector<std::string> parameters_;
     std::string start_;

@@ -241,6 +241,9 @@ void ShaderText::parse() {
     functions.clear();
     variables.clear();
     Reader(*this).read();
+    functionsByName.clear();
+    for (std::size_t i = 0; i < functions.size(); ++i)
+        functionsByName.emplace(functions[i].name, i);
 }
 
 std::size_t Closing(const Words& words, std::size_t open) {

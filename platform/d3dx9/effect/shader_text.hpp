@@ -73,6 +73,8 @@ struct ShaderText {
     HlslTypes types;
     Words words;
     std::vector<HlslFunction> functions;
+    /// Indices of `functions`: those of one name take different arguments.
+    std::multimap<std::string, std::size_t, std::less<>> functionsByName;
     std::vector<HlslVariable> variables;
     std::vector<HlslSampler> samplers;
 };
