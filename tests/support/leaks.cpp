@@ -8,11 +8,13 @@ extern "C" __attribute__((visibility("default"))) int dlclose(void*) {
 }
 
 // Desktops only: SDL's start of D-Bus and Wayland loses a few blocks, and libdecor a frame a
-// window. fontconfig loses a pattern while it reads the files of the machine.
+// window. fontconfig loses a pattern while it reads the files of the machine. libsndfile loses the
+// record of an OGG file whose head is damaged.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libdbus-1\n"
            "leak:libdecor-0\n"
            "leak:libfontconfig\n"
+           "leak:libvorbis\n"
            "leak:libwayland-client\n";
 }
