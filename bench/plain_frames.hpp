@@ -226,7 +226,7 @@ void main() {
     vec3 blended = vec3(0.0), turned = vec3(0.0);
     for (int i = 0; i < 4; ++i) {
         mat4 bone = bones[int(boneNumbers[i])];
-        blended += (bone * position).xyz * weights[i];
+        blended += (bone * vec4(position.xyz, 1.0)).xyz * weights[i];
         turned += (mat3(bone) * normal) * weights[i];
     }
     gl_Position = worldViewProjection * vec4(blended, 1.0);
