@@ -199,6 +199,35 @@ TEST(RawShader, FaultsNameTheLineOfTheAuthor) {
         EXPECT_THAT(ErrorOf(text), HasSubstr(message)) << text;
 }
 
+TEST(RawShader, WhatACompilerWouldWalkWithoutEndIsRefused) {
+    const auto repeat = [](int count, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += text;
+        return all;
+    };
+    const auto inMain = [](const std::string& statements) {
+        return "float4 Main(float x : COLOR) : COLOR { " + statements + " return x; }";
+    };
+    // Each function calls the one before twice: 2^60 calls when they are written out.
+    std::string doubling = "float f0(float x) { return x * 2; }";
+    for (int i = 1; i <= 60; ++i) {
+        const std::string before = "f" + std::to_string(i - 1) + "(x)";
+        doubling +=
+            "float f" + std::to_string(i) + "(float x) { return " + before + " + " + before + "; }";
+    }
+    EXPECT_THAT(ErrorOf(doubling + inMain("x = f60(x);")), HasSubstr("too long"));
+    EXPECT_THAT(ErrorOf(inMain("float a[1000][1000][1000]; x = a[0][0][0];")),
+                HasSubstr("65536 numbers"));
+    EXPECT_THAT(ErrorOf(inMain(repeat(900, "for (; x < 3;) ") + "x++;")), HasSubstr("too deeply"));
+    EXPECT_THAT(ErrorOf(inMain("x = " + repeat(20000, "abs(x), ") + "x;")),
+                HasSubstr("too deeply"));
+    EXPECT_THAT(ErrorOf(inMain(repeat(8000, "for (int i = 0; i < 3; ++i) x += i; "))),
+                HasSubstr("too many loops"));
+    // What is merely long compiles, whatever the stack of the host's thread.
+    EXPECT_EQ(ErrorOf(inMain(repeat(1500, "for (int i = 0; i < 3; ++i) x += i; "))), "");
+}
+
 TEST(RawShader, WhatTheEntryDoesNotReachMayBeBroken) {
     EXPECT_EQ(
         ErrorOf("float4 Broken() { return nothing + 1; } float4 Main() : COLOR { return 1; }"), "");

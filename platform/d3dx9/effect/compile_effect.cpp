@@ -3,6 +3,7 @@
 
 #include "platform/d3dx9/effect/block_layout.hpp"
 #include "platform/d3dx9/effect/hlsl_rewrite.hpp"
+#include "platform/d3dx9/effect/large_stack.hpp"
 #include "platform/d3dx9/effect/shader_compiler.hpp"
 #include "platform/d3dx9/effect/state_table.hpp"
 
@@ -277,9 +278,12 @@ void NameOrders(ShaderCode& code, const Reflection& reflection) {
 GlslShader CompileStage(const ShaderText& text, const CompileCall& call,
                         const Reflection& reflection, std::string& warnings) {
     const EntryText entry = WriteEntry(text, call);
-    std::vector<std::uint32_t> spirv = CompileToSpirv(entry, text.source, call.place, warnings);
-    LayOutBlock(spirv, reflection);
-    GlslShader glsl = WriteGlsl(std::move(spirv), entry, call.place);
+    GlslShader glsl;
+    CallOnLargeStack([&] {
+        std::vector<std::uint32_t> spirv = CompileToSpirv(entry, text.source, call.place, warnings);
+        LayOutBlock(spirv, reflection);
+        glsl = WriteGlsl(std::move(spirv), entry, call.place);
+    });
     for (const GlslShader::Member& member : glsl.members)
         if (member.index >= reflection.blockMembers.size() ||
             member.offset != reflection.parameters[reflection.blockMembers[member.index]].offset)

@@ -7,7 +7,8 @@ namespace VornPlatform {
 
 namespace {
 
-constexpr std::size_t MostWords = 4u << 20;
+// That swizzles of matrices may add: one in the index of another multiplies.
+constexpr std::size_t MostAdded = 1u << 18;
 
 // "[0][0]" of "_11" and of "_m00", for up to four of them; nothing for another name.
 std::vector<std::string> ReadComponents(std::string_view name) {
@@ -55,7 +56,7 @@ private:
         for (const Token& token : Lex(text))
             if (token.kind != TokenKind::End)
                 out_.push_back({token.kind, line, std::string(token.text)});
-        if (out_.size() > MostWords)
+        if (out_.size() > in_.size() + MostAdded)
             throw EffectError(PlaceOf(text_.source, line), "the shader is too long");
     }
 

@@ -2,6 +2,7 @@
 #include "platform/d3dx9/effect/shader_compiler.hpp"
 
 #include "platform/d3d9/counters.hpp"
+#include "platform/d3dx9/effect/spirv_limits.hpp"
 #include "platform/d3dx9/effect/spirv_words.hpp"
 
 // Its headers hide what belongs to HLSL otherwise.
@@ -25,8 +26,6 @@
 namespace VornPlatform {
 
 namespace {
-
-constexpr std::uint32_t LargestArray = 1u << 16;
 
 // Direct3D 9 multiplies two matrices by "*" component by component; the compiler takes it for mul.
 // Both are the same in its tree but for the character that they stand at.
@@ -129,19 +128,6 @@ void CorrectRemainders(std::vector<std::uint32_t>& spirv) {
     });
 }
 
-void RefuseHugeArrays(std::vector<std::uint32_t>& spirv, const SourcePlace& place) {
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> constants;
-    ForEachInstruction(spirv, [&](std::uint32_t code, std::uint32_t* words, std::size_t count) {
-        if (code == spv::OpConstant && count == 4)
-            constants.emplace_back(words[2], words[3]);
-        if (code != spv::OpTypeArray || count != 4)
-            return;
-        for (const auto& [id, value] : constants)
-            if (id == words[3] && (value == 0 || value > LargestArray))
-                throw EffectError(place, "an array of " + std::to_string(value) + " elements");
-    });
-}
-
 } // namespace
 
 namespace {
@@ -210,7 +196,7 @@ std::vector<std::uint32_t> CompileToSpirv(const EntryText& entry, const EffectSo
     std::vector<std::uint32_t> spirv;
     glslang::GlslangToSpv(*tree, spirv);
     CorrectRemainders(spirv);
-    RefuseHugeArrays(spirv, place);
+    CheckLimits(spirv, place);
     return spirv;
 }
 

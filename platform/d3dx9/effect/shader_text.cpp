@@ -9,8 +9,9 @@ namespace {
 
 // What the compiler's recursion bears, and more than anybody writes.
 constexpr int DeepestBrackets = 200;
-constexpr int LongestChain = 2000; // of operators without a bracket, comma or semicolon
-constexpr int LongestElse = 500;   // in one function
+constexpr int LongestChain = 2000;       // of operators without a bracket, comma or semicolon
+constexpr int LongestExpression = 10000; // in commas
+constexpr int LongestElse = 500;         // in one function
 
 bool IsOpen(const Word& word) {
     return word.is("(") || word.is("[") || word.is("{");
@@ -19,40 +20,75 @@ bool IsClose(const Word& word) {
     return word.is(")") || word.is("]") || word.is("}");
 }
 
-void CheckShape(const EffectSource& source, const Words& words) {
-    std::vector<char> open;
-    int operators = 0, elses = 0;
-    for (const Word& word : words) {
-        const char* fault = nullptr;
+// Counts what the compilers walk over by recursion.
+class ShapeChecker {
+public:
+    // What is wrong with the word; null for nothing.
+    const char* check(const Word& word) {
         if (word.kind == TokenKind::Unknown || word.kind == TokenKind::String)
-            fault = "this is no part of the shader language";
-        if (IsOpen(word)) {
-            const char first = word.text[0];
-            open.push_back(first == '(' ? ')' : first == '[' ? ']' : '}');
-        } else if (IsClose(word)) {
-            if (open.empty() || open.back() != word.text[0])
-                fault = "this bracket closes nothing";
-            else
-                open.pop_back();
+            return "this is no part of the shader language";
+        if (IsOpen(word))
+            open_.push_back(endOf(word));
+        else if (IsClose(word)) {
+            if (open_.empty() || word.text[0] != (inList() ? '}' : open_.back()))
+                return "this bracket closes nothing";
+            open_.pop_back();
         }
-        // Operators, and loops without braces around their bodies.
-        const bool nests = (word.kind == TokenKind::Operator && !IsOpen(word) && !IsClose(word)) ||
-                           word.is("for") || word.is("while") || word.is("do") || word.is("if");
-        operators += nests;
-        if (word.is(";") || word.is(",") || word.is("{") || word.is("}"))
-            operators = 0;
-        elses += word.is("else");
-        if (open.empty())
-            elses = 0;
-        if (open.size() > DeepestBrackets || operators > LongestChain || elses > LongestElse)
-            fault = "this is nested too deeply";
-        if (fault)
+        count(word);
+        before_ = &word;
+        const bool isDeep = open_.size() > DeepestBrackets || operators_ > LongestChain ||
+                            heads_ > DeepestBrackets || elses_ > LongestElse ||
+                            commas_ > LongestExpression;
+        return isDeep ? "this is nested too deeply" : nullptr;
+    }
+    // The bracket that is missing at the end; 0 for none.
+    char missing() const { return open_.empty() ? '\0' : inList() ? '}' : open_.back(); }
+
+private:
+    static constexpr char ListEnd = 'l'; // a brace that closes a start value
+
+    bool inList() const { return !open_.empty() && open_.back() == ListEnd; }
+
+    char endOf(const Word& word) const {
+        if (!word.is("{"))
+            return word.is("(") ? ')' : ']';
+        const bool isList =
+            before_ && (before_->is("=") || (inList() && (before_->is("{") || before_->is(","))));
+        return isList ? ListEnd : '}';
+    }
+
+    void count(const Word& word) {
+        const bool isBrace = word.is("{") || word.is("}"), isEnd = word.is(";");
+        operators_ += word.kind == TokenKind::Operator && !IsOpen(word) && !IsClose(word);
+        if (isEnd || isBrace || word.is(","))
+            operators_ = 0;
+        // Loops and conditions without braces around what they hold.
+        heads_ += word.is("for") || word.is("while") || word.is("do") || word.is("if");
+        if (isBrace || (isEnd && (open_.empty() || open_.back() != ')')))
+            heads_ = 0;
+        // Lists may be as long as they like, expressions and arguments not.
+        commas_ += word.is(",") && !inList();
+        if (isEnd)
+            commas_ = 0;
+        elses_ += word.is("else");
+        if (open_.empty())
+            elses_ = 0;
+    }
+
+    std::vector<char> open_; // what closes each
+    const Word* before_ = nullptr;
+    int operators_ = 0, heads_ = 0, commas_ = 0, elses_ = 0;
+};
+
+void CheckShape(const EffectSource& source, const Words& words) {
+    ShapeChecker checker;
+    for (const Word& word : words)
+        if (const char* fault = checker.check(word))
             throw EffectError(PlaceOf(source, word.line),
                               std::string(fault) + ": '" + word.text.substr(0, 32) + "'");
-    }
-    if (!open.empty())
-        throw EffectError(PlaceOf(source, words.empty() ? 0 : words.back().line),
-                          std::string("the text ends where a '") + open.back() + "' is missing");
+    if (const char missing = checker.missing())
+        throw EffectError(PlaceOf(source, words.back().line),
+                          std::string("the text ends where a '") + missing + "' is missing");
 }
 
 // Walks over the declarations at file scope.
