@@ -5,21 +5,18 @@
 //   Moving    the world matrix differs from draw to draw
 //   Flipping  nothing differs but one render state
 // The time is that of the thread that draws.
+#include "bench/plain_gl.hpp"
 #include "platform/control/vorn_platform.hpp"
 
 #include <d3d9.h>
 
 #include <benchmark/benchmark.h>
 
-#include <epoxy/gl.h>
-
-#include <SDL.h>
-
-#include <cstring>
-#include <stdexcept>
 #include <vector>
 
 namespace {
+
+using Bench::Require;
 
 constexpr int Draws = 10'000;
 constexpr UINT Side = 256;
@@ -45,11 +42,6 @@ D3DMATRIX WorldOf(int draw) {
     world._41 = static_cast<float>(draw % 100) / 50 - 1;
     world._42 = static_cast<float>(draw / 100) / 50 - 1;
     return world;
-}
-
-void Require(bool fine, const char* what) {
-    if (!fine)
-        throw std::runtime_error(what);
 }
 
 LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -80,10 +72,10 @@ public:
         mDevice->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &mTarget);
         mDevice->CreateVertexBuffer(sizeof Vertices, D3DUSAGE_WRITEONLY, VertexFvf, D3DPOOL_DEFAULT,
                                     &mVertices, nullptr);
-        fill(*mVertices, Vertices, sizeof Vertices);
+        Bench::Fill(*mVertices, Vertices, sizeof Vertices);
         mDevice->CreateIndexBuffer(sizeof Indices, D3DUSAGE_WRITEONLY, D3DFMT_INDEX32,
                                    D3DPOOL_DEFAULT, &mIndices, nullptr);
-        fill(*mIndices, Indices, sizeof Indices);
+        Bench::Fill(*mIndices, Indices, sizeof Indices);
         mDevice->SetFVF(VertexFvf);
         mDevice->SetStreamSource(0, mVertices, 0, sizeof(Vertex));
         mDevice->SetIndices(mIndices);
@@ -118,14 +110,6 @@ public:
     std::vector<std::uint32_t> Read() { return VornPlatform::ReadPixels(mTarget); }
 
 private:
-    template <typename Buffer>
-    static void fill(Buffer& buffer, const void* data, std::size_t size) {
-        void* memory = nullptr;
-        Require(SUCCEEDED(buffer.Lock(0, 0, &memory, 0)), "no memory");
-        std::memcpy(memory, data, size);
-        buffer.Unlock();
-    }
-
     HWND mWindow = nullptr;
     IDirect3D9* mDirect3D = nullptr;
     IDirect3DDevice9* mDevice = nullptr;
@@ -157,39 +141,19 @@ void main() {
 class PlainDraws {
 public:
     PlainDraws() {
-        SDL_SetHint(SDL_HINT_VIDEODRIVER, "offscreen");
-        SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 4);
-        SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 5);
-        SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
-        Require(SDL_InitSubSystem(SDL_INIT_VIDEO) == 0, "no video");
-        mWindow = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
-        mContext = SDL_GL_CreateContext(mWindow);
-        SDL_GL_ResetAttributes();
-        Require(mContext, "no OpenGL");
-        makeTarget();
         makeMesh();
         makeProgram();
-        glClipControl(GL_LOWER_LEFT, GL_ZERO_TO_ONE);
-        glViewport(0, 0, Side, Side);
-        glEnable(GL_DEPTH_TEST);
-        glDepthFunc(GL_LEQUAL);
         glEnable(GL_CULL_FACE);
         glFrontFace(GL_CW);
     }
     PlainDraws(const PlainDraws&) = delete;
     PlainDraws& operator=(const PlainDraws&) = delete;
-    ~PlainDraws() {
-        SDL_GL_DeleteContext(mContext);
-        SDL_DestroyWindow(mWindow);
-        SDL_QuitSubSystem(SDL_INIT_VIDEO);
-    }
-
     void Clear() {
         glDepthMask(GL_TRUE);
         mDepthWrite = true;
         constexpr float black[] = {0, 0, 0, 1}, far = 1;
-        glClearNamedFramebufferfv(mFramebuffer, GL_COLOR, 0, black);
-        glClearNamedFramebufferfv(mFramebuffer, GL_DEPTH, 0, &far);
+        glClearNamedFramebufferfv(mContext.Framebuffer(), GL_COLOR, 0, black);
+        glClearNamedFramebufferfv(mContext.Framebuffer(), GL_DEPTH, 0, &far);
     }
     void Draw(Case which) {
         for (int i = 0; i < Draws; ++i) {
@@ -222,16 +186,6 @@ private:
         return product;
     }
 
-    void makeTarget() {
-        GLuint textures[2] = {};
-        glCreateTextures(GL_TEXTURE_2D, 2, textures);
-        glTextureStorage2D(textures[0], 1, GL_RGBA8, Side, Side);
-        glTextureStorage2D(textures[1], 1, GL_DEPTH_COMPONENT16, Side, Side);
-        glCreateFramebuffers(1, &mFramebuffer);
-        glNamedFramebufferTexture(mFramebuffer, GL_COLOR_ATTACHMENT0, textures[0], 0);
-        glNamedFramebufferTexture(mFramebuffer, GL_DEPTH_ATTACHMENT, textures[1], 0);
-        glBindFramebuffer(GL_FRAMEBUFFER, mFramebuffer);
-    }
     static void makeMesh() {
         GLuint buffers[2] = {}, vertices = 0;
         glCreateBuffers(2, buffers);
@@ -249,25 +203,13 @@ private:
         glBindVertexArray(vertices);
     }
     static void makeProgram() {
-        const GLuint program = glCreateProgram();
-        for (const auto& [stage, source] : {std::pair(GL_VERTEX_SHADER, VertexSource),
-                                            std::pair(GL_FRAGMENT_SHADER, PixelSource)}) {
-            const GLuint shader = glCreateShader(static_cast<GLenum>(stage));
-            glShaderSource(shader, 1, &source, nullptr);
-            glCompileShader(shader);
-            glAttachShader(program, shader);
-            glDeleteShader(shader);
-        }
-        glLinkProgram(program);
-        glUseProgram(program);
+        Bench::UseProgram(VertexSource, PixelSource);
         constexpr float half = 1.0f / Side;
         glUniform2f(1, half, -half);
         glUniformMatrix4fv(0, 1, GL_FALSE, &Projection.m[0][0]);
     }
 
-    SDL_Window* mWindow = nullptr;
-    SDL_GLContext mContext = nullptr;
-    GLuint mFramebuffer = 0;
+    Bench::PlainContext mContext{Side};
     bool mDepthWrite = true;
 };
 

@@ -199,13 +199,6 @@ private:
         mDevice->SetRenderState(D3DRS_DESTBLEND, D3DBLEND_INVSRCALPHA);
     }
 
-    template <typename Buffer>
-    static void fill(Buffer& buffer, const void* data, std::size_t size) {
-        void* memory = nullptr;
-        Require(SUCCEEDED(buffer.Lock(0, 0, &memory, 0)), "no memory");
-        std::memcpy(memory, data, size);
-        buffer.Unlock();
-    }
     template <typename Vertex>
     void makeMesh(const Bench::MeshOf<Vertex>& mesh, const D3DVERTEXELEMENT9* elements) {
         const auto vertexBytes = static_cast<UINT>(mesh.vertices.size() * sizeof(Vertex));
@@ -213,8 +206,10 @@ private:
         mDevice->CreateVertexBuffer(vertexBytes, 0, 0, D3DPOOL_MANAGED, mVertices.Out(), nullptr);
         mDevice->CreateIndexBuffer(indexBytes, D3DUSAGE_WRITEONLY, D3DFMT_INDEX32, D3DPOOL_DEFAULT,
                                    mIndices.Out(), nullptr);
-        fill(*static_cast<IDirect3DVertexBuffer9*>(mVertices), mesh.vertices.data(), vertexBytes);
-        fill(*static_cast<IDirect3DIndexBuffer9*>(mIndices), mesh.indices.data(), indexBytes);
+        Bench::Fill(*static_cast<IDirect3DVertexBuffer9*>(mVertices), mesh.vertices.data(),
+                    vertexBytes);
+        Bench::Fill(*static_cast<IDirect3DIndexBuffer9*>(mIndices), mesh.indices.data(),
+                    indexBytes);
         mDevice->CreateVertexDeclaration(elements, mDeclaration.Out());
         mDevice->SetVertexDeclaration(mDeclaration);
         mDevice->SetStreamSource(0, mVertices, 0, sizeof(Vertex));

@@ -4,17 +4,13 @@
 // direct state access, uniform buffers that stay mapped, and no call that would change nothing.
 #pragma once
 
+#include "bench/plain_gl.hpp"
+
 #include <d3dx9.h>
-
-#include <epoxy/gl.h>
-
-#include <SDL.h>
 
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -29,11 +25,6 @@ struct Case {
     float size; // of quads (unit: pixels)
 };
 enum class Way { Instanced, OneByOne };
-
-inline void Require(bool fine, const char* what) {
-    if (!fine)
-        throw std::runtime_error(what);
-}
 
 // --- what is drawn
 
@@ -249,16 +240,7 @@ void main() {
 class PlainFrames {
 public:
     PlainFrames(Case which, Way way) : mCase(which), mWay(way) {
-        SDL_SetHint(SDL_HINT_VIDEODRIVER, "offscreen");
-        SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 4);
-        SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 5);
-        SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
-        Require(SDL_InitSubSystem(SDL_INIT_VIDEO) == 0, "no video");
-        mWindow = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
-        mContext = SDL_GL_CreateContext(mWindow);
-        SDL_GL_ResetAttributes();
-        Require(mContext, "no OpenGL");
-        makeTarget();
+        makePicture();
         makeProgram();
         if (mCase.kind == Kind::Quads)
             makeMesh(Square());
@@ -268,16 +250,11 @@ public:
     }
     PlainFrames(const PlainFrames&) = delete;
     PlainFrames& operator=(const PlainFrames&) = delete;
-    ~PlainFrames() {
-        SDL_GL_DeleteContext(mContext);
-        SDL_DestroyWindow(mWindow);
-        SDL_QuitSubSystem(SDL_INIT_VIDEO);
-    }
 
     void Frame() {
         constexpr float black[] = {0, 0, 0, 1}, far = 1;
-        glClearNamedFramebufferfv(mFramebuffer, GL_COLOR, 0, black);
-        glClearNamedFramebufferfv(mFramebuffer, GL_DEPTH, 0, &far);
+        glClearNamedFramebufferfv(mContext.Framebuffer(), GL_COLOR, 0, black);
+        glClearNamedFramebufferfv(mContext.Framebuffer(), GL_DEPTH, 0, &far);
         if (mCase.kind == Kind::Quads)
             drawQuads();
         else
@@ -303,33 +280,23 @@ private:
     static constexpr std::size_t DrawBytes = 4096, RingBytes = DrawBytes * MeshCount;
     static_assert(sizeof(LitDraw) <= DrawBytes && sizeof(SkinDraw) <= DrawBytes);
 
-    void makeTarget() {
-        GLuint textures[3] = {};
-        glCreateTextures(GL_TEXTURE_2D, 3, textures);
-        glTextureStorage2D(textures[0], 1, GL_RGBA8, Side, Side);
-        glTextureStorage2D(textures[1], 1, GL_DEPTH_COMPONENT16, Side, Side);
-        glCreateFramebuffers(1, &mFramebuffer);
-        glNamedFramebufferTexture(mFramebuffer, GL_COLOR_ATTACHMENT0, textures[0], 0);
-        glNamedFramebufferTexture(mFramebuffer, GL_DEPTH_ATTACHMENT, textures[1], 0);
-        glBindFramebuffer(GL_FRAMEBUFFER, mFramebuffer);
-        glClipControl(GL_LOWER_LEFT, GL_ZERO_TO_ONE);
-        glViewport(0, 0, Side, Side);
-        glEnable(GL_DEPTH_TEST);
-        glDepthFunc(GL_LEQUAL);
+    void makePicture() {
         if (mCase.kind == Kind::Quads) {
             glEnable(GL_BLEND);
             glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         }
-        glTextureStorage2D(textures[2], 1, GL_RGBA8, PictureSide, PictureSide);
-        glTextureSubImage2D(textures[2], 0, 0, 0, PictureSide, PictureSide, GL_BGRA,
+        GLuint texture = 0;
+        glCreateTextures(GL_TEXTURE_2D, 1, &texture);
+        glTextureStorage2D(texture, 1, GL_RGBA8, PictureSide, PictureSide);
+        glTextureSubImage2D(texture, 0, 0, 0, PictureSide, PictureSide, GL_BGRA,
                             GL_UNSIGNED_INT_8_8_8_8_REV, Picture().data());
         const GLint filter = mCase.kind == Kind::Skinned ? GL_NEAREST : GL_LINEAR;
         const GLint address = mCase.kind == Kind::Skinned ? GL_REPEAT : GL_CLAMP_TO_EDGE;
-        glTextureParameteri(textures[2], GL_TEXTURE_MIN_FILTER, filter);
-        glTextureParameteri(textures[2], GL_TEXTURE_MAG_FILTER, filter);
-        glTextureParameteri(textures[2], GL_TEXTURE_WRAP_S, address);
-        glTextureParameteri(textures[2], GL_TEXTURE_WRAP_T, address);
-        glBindTextureUnit(0, textures[2]);
+        glTextureParameteri(texture, GL_TEXTURE_MIN_FILTER, filter);
+        glTextureParameteri(texture, GL_TEXTURE_MAG_FILTER, filter);
+        glTextureParameteri(texture, GL_TEXTURE_WRAP_S, address);
+        glTextureParameteri(texture, GL_TEXTURE_WRAP_T, address);
+        glBindTextureUnit(0, texture);
     }
 
     static void attribute(GLuint array, GLuint location, GLint size, GLenum type, GLuint offset,
@@ -378,33 +345,15 @@ private:
                                    : "layout(location = 1) uniform mat4 world;\n";
             std::string vertex = QuadVertexSource;
             vertex.replace(vertex.find("WORLD"), 5, word);
-            link(head + vertex, head + QuadPixelSource);
+            UseProgram(head + vertex, head + QuadPixelSource);
             const D3DXMATRIX viewProjection = Placed(1, 0, 0);
             glUniformMatrix4fv(0, 1, GL_FALSE, &viewProjection.m[0][0]);
         } else if (mCase.kind == Kind::Lit) {
-            link(head + LitBlock + LitVertexSource, head + LitBlock + LitPixelSource);
+            UseProgram(head + LitBlock + LitVertexSource, head + LitBlock + LitPixelSource);
         } else {
-            link(head + SkinVertexSource, head + SkinPixelSource);
+            UseProgram(head + SkinVertexSource, head + SkinPixelSource);
         }
     }
-    static void link(const std::string& vertex, const std::string& pixel) {
-        const GLuint program = glCreateProgram();
-        for (const auto& [stage, source] :
-             {std::pair(GL_VERTEX_SHADER, &vertex), std::pair(GL_FRAGMENT_SHADER, &pixel)}) {
-            const GLuint shader = glCreateShader(static_cast<GLenum>(stage));
-            const char* text = source->c_str();
-            glShaderSource(shader, 1, &text, nullptr);
-            glCompileShader(shader);
-            glAttachShader(program, shader);
-            glDeleteShader(shader);
-        }
-        glLinkProgram(program);
-        GLint linked = GL_FALSE;
-        glGetProgramiv(program, GL_LINK_STATUS, &linked);
-        Require(linked == GL_TRUE, "no program");
-        glUseProgram(program);
-    }
-
     // A frame is finished before the next one is begun, so nothing has to wait here.
     void makeStream() {
         constexpr GLbitfield access =
@@ -475,9 +424,8 @@ private:
 
     Case mCase;
     Way mWay;
-    SDL_Window* mWindow = nullptr;
-    SDL_GLContext mContext = nullptr;
-    GLuint mFramebuffer = 0, mArray = 0, mStream = 0;
+    PlainContext mContext{Side};
+    GLuint mArray = 0, mStream = 0;
     std::byte* mMemory = nullptr;
     GLsizei mIndexCount = 0;
 };
