@@ -88,6 +88,20 @@ inline std::vector<std::uint32_t> Picture() {
     return pixels;
 }
 
+/// As a texture of the current context.
+inline void BindPicture(GLint filter, GLint address) {
+    GLuint texture = 0;
+    glCreateTextures(GL_TEXTURE_2D, 1, &texture);
+    glTextureStorage2D(texture, 1, GL_RGBA8, PictureSide, PictureSide);
+    glTextureSubImage2D(texture, 0, 0, 0, PictureSide, PictureSide, GL_BGRA,
+                        GL_UNSIGNED_INT_8_8_8_8_REV, Picture().data());
+    glTextureParameteri(texture, GL_TEXTURE_MIN_FILTER, filter);
+    glTextureParameteri(texture, GL_TEXTURE_MAG_FILTER, filter);
+    glTextureParameteri(texture, GL_TEXTURE_WRAP_S, address);
+    glTextureParameteri(texture, GL_TEXTURE_WRAP_T, address);
+    glBindTextureUnit(0, texture);
+}
+
 inline D3DXMATRIX Placed(float scale, float x, float y) {
     D3DXMATRIX world;
     D3DXMatrixIdentity(&world);
@@ -133,6 +147,10 @@ constexpr Lighting lighting = {{0, 0, -2, 0},
 
 // --- by hand
 
+inline std::string ShaderHead() {
+    const std::string pixel = "1.0 / " + std::to_string(Side) + ".0";
+    return "#version 450 core\n#define HALF_PIXEL vec2(" + pixel + ", -" + pixel + ")\n";
+}
 constexpr const char* QuadVertexSource = R"(
 layout(location = 0) uniform mat4 viewProjection;
 WORLD
@@ -285,27 +303,10 @@ private:
             glEnable(GL_BLEND);
             glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         }
-        GLuint texture = 0;
-        glCreateTextures(GL_TEXTURE_2D, 1, &texture);
-        glTextureStorage2D(texture, 1, GL_RGBA8, PictureSide, PictureSide);
-        glTextureSubImage2D(texture, 0, 0, 0, PictureSide, PictureSide, GL_BGRA,
-                            GL_UNSIGNED_INT_8_8_8_8_REV, Picture().data());
-        const GLint filter = mCase.kind == Kind::Skinned ? GL_NEAREST : GL_LINEAR;
-        const GLint address = mCase.kind == Kind::Skinned ? GL_REPEAT : GL_CLAMP_TO_EDGE;
-        glTextureParameteri(texture, GL_TEXTURE_MIN_FILTER, filter);
-        glTextureParameteri(texture, GL_TEXTURE_MAG_FILTER, filter);
-        glTextureParameteri(texture, GL_TEXTURE_WRAP_S, address);
-        glTextureParameteri(texture, GL_TEXTURE_WRAP_T, address);
-        glBindTextureUnit(0, texture);
+        const bool skinned = mCase.kind == Kind::Skinned;
+        BindPicture(skinned ? GL_NEAREST : GL_LINEAR, skinned ? GL_REPEAT : GL_CLAMP_TO_EDGE);
     }
 
-    static void attribute(GLuint array, GLuint location, GLint size, GLenum type, GLuint offset,
-                          GLuint binding = 0) {
-        glEnableVertexArrayAttrib(array, location);
-        glVertexArrayAttribBinding(array, location, binding);
-        const bool color = size == GL_BGRA;
-        glVertexArrayAttribFormat(array, location, size, type, color ? GL_TRUE : GL_FALSE, offset);
-    }
     template <typename Vertex>
     void makeMesh(const MeshOf<Vertex>& mesh) {
         GLuint buffers[2] = {};
@@ -316,17 +317,17 @@ private:
         glNamedBufferStorage(buffers[1], static_cast<GLsizeiptr>(mesh.indices.size() * 4),
                              mesh.indices.data(), 0);
         glCreateVertexArrays(1, &mArray);
-        attribute(mArray, 0, 3, GL_FLOAT, 0);
+        Attribute(mArray, 0, 3, GL_FLOAT, 0);
         if (mCase.kind == Kind::Quads) {
-            attribute(mArray, 1, GL_BGRA, GL_UNSIGNED_BYTE, 12);
-            attribute(mArray, 2, 2, GL_FLOAT, 16);
+            Attribute(mArray, 1, GL_BGRA, GL_UNSIGNED_BYTE, 12);
+            Attribute(mArray, 2, 2, GL_FLOAT, 16);
         } else {
-            attribute(mArray, 1, 3, GL_FLOAT, 12);
-            attribute(mArray, 2, 2, GL_FLOAT, 24);
+            Attribute(mArray, 1, 3, GL_FLOAT, 12);
+            Attribute(mArray, 2, 2, GL_FLOAT, 24);
         }
         if (mCase.kind == Kind::Skinned) {
-            attribute(mArray, 3, 4, GL_FLOAT, 32);
-            attribute(mArray, 4, 4, GL_UNSIGNED_BYTE, 48);
+            Attribute(mArray, 3, 4, GL_FLOAT, 32);
+            Attribute(mArray, 4, 4, GL_UNSIGNED_BYTE, 48);
         }
         glVertexArrayVertexBuffer(mArray, 0, buffers[0], 0, sizeof(Vertex));
         glVertexArrayElementBuffer(mArray, buffers[1]);
@@ -335,10 +336,7 @@ private:
     }
 
     void makeProgram() {
-        const std::string head = "#version 450 core\n"
-                                 "#define HALF_PIXEL vec2(1.0 / " +
-                                 std::to_string(Side) + ".0, -1.0 / " + std::to_string(Side) +
-                                 ".0)\n";
+        const std::string head = ShaderHead();
         if (mCase.kind == Kind::Quads) {
             const char* word = mWay == Way::Instanced
                                    ? "layout(location = 4) in mat4 world;\n"
@@ -356,16 +354,12 @@ private:
     }
     // A frame is finished before the next one is begun, so nothing has to wait here.
     void makeStream() {
-        constexpr GLbitfield access =
-            GL_MAP_WRITE_BIT | GL_MAP_PERSISTENT_BIT | GL_MAP_COHERENT_BIT;
         glCreateBuffers(1, &mStream);
-        glNamedBufferStorage(mStream, RingBytes, nullptr, access);
-        mMemory = static_cast<std::byte*>(glMapNamedBufferRange(mStream, 0, RingBytes, access));
-        Require(mMemory, "no memory");
+        mMemory = MapStream(mStream, RingBytes);
         if (mWay != Way::Instanced)
             return;
         for (GLuint row = 0; row < 4; ++row)
-            attribute(mArray, 4 + row, 4, GL_FLOAT, row * 16, 1);
+            Attribute(mArray, 4 + row, 4, GL_FLOAT, row * 16, 1);
         glVertexArrayBindingDivisor(mArray, 1, 1);
         glVertexArrayVertexBuffer(mArray, 1, mStream, 0, sizeof(D3DXMATRIX));
     }

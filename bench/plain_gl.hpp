@@ -10,6 +10,7 @@
 
 #include <SDL.h>
 
+#include <cstddef>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -95,6 +96,24 @@ inline void UseProgram(const std::string& vertex, const std::string& pixel) {
     glGetProgramiv(program, GL_LINK_STATUS, &linked);
     Require(linked == GL_TRUE, "no program");
     glUseProgram(program);
+}
+
+/// Four channels of a byte each where `size` is GL_BGRA.
+inline void Attribute(GLuint array, GLuint location, GLint size, GLenum type, GLuint offset,
+                      GLuint binding = 0) {
+    glEnableVertexArrayAttrib(array, location);
+    glVertexArrayAttribBinding(array, location, binding);
+    const bool color = size == GL_BGRA;
+    glVertexArrayAttribFormat(array, location, size, type, color ? GL_TRUE : GL_FALSE, offset);
+}
+
+/// A buffer of a context's lifetime, for writing from then on.
+inline std::byte* MapStream(GLuint buffer, GLsizeiptr size) {
+    constexpr GLbitfield access = GL_MAP_WRITE_BIT | GL_MAP_PERSISTENT_BIT | GL_MAP_COHERENT_BIT;
+    glNamedBufferStorage(buffer, size, nullptr, access);
+    void* memory = glMapNamedBufferRange(buffer, 0, size, access);
+    Require(memory, "no memory");
+    return static_cast<std::byte*>(memory);
 }
 
 } // namespace Bench

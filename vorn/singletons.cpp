@@ -12,9 +12,11 @@
 #include "vorn/physics/pair_walk.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/physics/physics_system.hpp"
+#include "vorn/profiler/profiler.hpp"
 #include "vorn/render/emitter_cmpt.hpp"
 #include "vorn/render/emitter_system.hpp"
 #include "vorn/render/graphic.hpp"
+#include "vorn/render/graphics_2d_system.hpp"
 #include "vorn/render/graphics_cmpt.hpp"
 #include "vorn/render/graphics_system.hpp"
 #include "vorn/resource/material_manager.hpp"
@@ -62,6 +64,10 @@ template <>
 PhysicsSystem Singleton<PhysicsSystem>::mSingleton{};
 template <>
 EmitterSystem Singleton<EmitterSystem>::mSingleton{};
+template <>
+Graphics2DSystem Singleton<Graphics2DSystem>::mSingleton{};
+template <>
+Profiler Singleton<Profiler>::mSingleton{};
 
 // Bound to the tables of the system above.
 const CategoryTable* const PhysicsCmpt::mCatMap = PhysicsSystem::Instance()->CategoryMap();

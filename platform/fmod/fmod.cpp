@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 using VornPlatform::ChannelHandle;
 using VornPlatform::Slot;
@@ -48,17 +49,17 @@ FMOD_RESULT Channel::setMode(FMOD_MODE mode) {
     if (mode != FMOD_LOOP_OFF && mode != FMOD_LOOP_NORMAL)
         return FMOD_ERR_INVALID_PARAM;
     return OnSlot(this, [mode](SoundSystem& system, Slot& slot) {
-        slot.mode = mode;
-        system.ApplyLoop(slot);
+        if (std::exchange(slot.mode, mode) != mode)
+            system.ApplyLoop(slot);
     });
 }
 
 FMOD_RESULT Channel::setLoopCount(int count) {
     if (count < -1)
         return FMOD_ERR_INVALID_PARAM;
-    return OnSlot(this, [count](SoundSystem& system, Slot& slot) {
-        slot.loopCount = std::min(count, 1'000);
-        system.ApplyLoop(slot);
+    return OnSlot(this, [count = std::min(count, 1'000)](SoundSystem& system, Slot& slot) {
+        if (std::exchange(slot.loopCount, count) != count)
+            system.ApplyLoop(slot);
     });
 }
 

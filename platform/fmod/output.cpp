@@ -7,6 +7,8 @@
 #include <AL/alext.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace VornPlatform {
 
@@ -15,30 +17,47 @@ namespace {
 constinit int loopbackRate = 0;
 constinit AudioOutput* newest = nullptr;
 
-ALCcontext* MakeContext(ALCdevice* device, int rate) {
-    // Levels stay as they are: nothing presses loud passages down.
-    const ALCint memory[] = {ALC_FORMAT_CHANNELS_SOFT, ALC_STEREO_SOFT, ALC_FORMAT_TYPE_SOFT,
-                             ALC_FLOAT_SOFT,           ALC_FREQUENCY,   rate,
-                             ALC_OUTPUT_LIMITER_SOFT,  ALC_FALSE,       0};
-    return alcCreateContext(device, rate > 0 ? memory : nullptr);
-}
+// Nobody hears it, so it need not be good. A host that comes back after longer than the longest
+// silence finds that only so much has passed.
+constexpr int SilentRate = 8'000;
+constexpr std::chrono::seconds LongestSilence(60);
 
 } // namespace
 
 std::unique_ptr<AudioOutput> AudioOutput::Make() {
     std::unique_ptr<AudioOutput> output(new AudioOutput);
     output->mLoopback = loopbackRate > 0;
-    if (output->mLoopback)
-        output->mDevice = alcLoopbackOpenDeviceSOFT(nullptr);
-    else if (output->mDevice = alcOpenDevice(nullptr); !output->mDevice)
-        output->mDevice = alcOpenDevice("No Output"); // keeps time in silence
-    if (!output->mDevice)
-        return nullptr;
-    output->mContext = MakeContext(output->mDevice, loopbackRate);
-    if (!output->mContext)
-        return nullptr;
+    if (output->mLoopback) {
+        if (!output->openMemory(loopbackRate))
+            return nullptr;
+    } else if (!output->openMachine()) {
+        if (!output->openMemory(SilentRate))
+            return nullptr;
+        output->mSilent = true;
+        output->mPlayed = Clock::now();
+    }
     newest = output.get();
     return output;
+}
+
+bool AudioOutput::openMachine() {
+    mDevice = alcOpenDevice(nullptr);
+    mContext = mDevice ? alcCreateContext(mDevice, nullptr) : nullptr;
+    if (mDevice && !mContext) {
+        alcCloseDevice(mDevice);
+        mDevice = nullptr;
+    }
+    return mContext;
+}
+
+bool AudioOutput::openMemory(int rate) {
+    // Levels stay as they are: nothing presses loud passages down.
+    const ALCint memory[] = {ALC_FORMAT_CHANNELS_SOFT, ALC_STEREO_SOFT, ALC_FORMAT_TYPE_SOFT,
+                             ALC_FLOAT_SOFT,           ALC_FREQUENCY,   rate,
+                             ALC_OUTPUT_LIMITER_SOFT,  ALC_FALSE,       0};
+    mDevice = alcLoopbackOpenDeviceSOFT(nullptr);
+    mContext = mDevice ? alcCreateContext(mDevice, memory) : nullptr;
+    return mContext;
 }
 
 AudioOutput::~AudioOutput() {
@@ -55,6 +74,22 @@ AudioOutput::~AudioOutput() {
 void AudioOutput::MakeCurrent() {
     if (alcGetCurrentContext() != mContext)
         alcMakeContextCurrent(mContext);
+    if (mSilent)
+        playSilence();
+}
+
+// OpenAL has a silent output of its own, but not on a machine that it knows how to make sound on
+// and that happens to have nothing connected.
+void AudioOutput::playSilence() {
+    const Clock::time_point now = Clock::now();
+    mPlayed = std::max(mPlayed, now - LongestSilence);
+    std::array<float, 2 * 1'024> unheard;
+    constexpr std::int64_t most = unheard.size() / 2;
+    using Frames = std::chrono::duration<std::int64_t, std::ratio<1, SilentRate>>;
+    const Frames passed = std::chrono::duration_cast<Frames>(now - mPlayed);
+    for (std::int64_t left = passed.count(); left > 0; left -= most)
+        alcRenderSamplesSOFT(mDevice, unheard.data(), static_cast<ALCsizei>(std::min(left, most)));
+    mPlayed += std::chrono::duration_cast<Clock::duration>(passed);
 }
 
 std::vector<float> AudioOutput::Render(int frames) {

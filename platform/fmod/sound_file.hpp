@@ -17,8 +17,8 @@ struct SoundSamples {
     std::vector<std::int16_t> samples;
 };
 
-/// Nothing for what is no sound, or has no samples, or more than half an hour of them. Of a file
-/// that is cut short, what is there.
+/// Nothing for what is no sound, or has no samples, or more of them than half an hour at a rate of
+/// 48,000. Of a file that is cut short, what is there.
 std::optional<SoundSamples> DecodeSound(std::span<const std::byte> file);
 
 } // namespace VornPlatform

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <new>
 #include <optional>
 #include <string>
@@ -23,13 +22,16 @@ constexpr std::uintmax_t MaxFileSize = 1 << 30;
 std::optional<std::string> ReadFile(const char* path) {
     std::error_code error;
     // Neither a directory nor what never ends.
-    if (!std::filesystem::is_regular_file(path, error) ||
-        std::filesystem::file_size(path, error) > MaxFileSize)
+    if (!std::filesystem::is_regular_file(path, error))
         return std::nullopt;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
     std::ifstream file(path, std::ios::binary);
-    if (!file.is_open())
+    if (error || size > MaxFileSize || !file.is_open())
         return std::nullopt;
-    return std::string(std::istreambuf_iterator<char>(file), {});
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(file.gcount())); // it may have shrunk meanwhile
+    return bytes;
 }
 
 } // namespace
@@ -152,7 +154,7 @@ Slot* SoundSystem::Find(ChannelHandle& handle) {
 int SoundSystem::takeSlot(FMOD_CHANNELINDEX which, FMOD::Channel* wanted) {
     if (which == FMOD_CHANNEL_REUSE && wanted) {
         auto& handle = *static_cast<ChannelHandle*>(wanted);
-        if (Find(handle))
+        if (handle.system == this && Find(handle))
             return handle.slot;
     }
     // A free one, else of those that are not more important than a new playing the least
@@ -191,6 +193,10 @@ ChannelHandle& SoundSystem::makeHandle(int slot) {
 
 FMOD_RESULT SoundSystem::PlaySound(FMOD_CHANNELINDEX which, SoundObject& sound, bool paused,
                                    FMOD::Channel** channel) {
+    if (!mOutput)
+        return FMOD_ERR_UNINITIALIZED;
+    if (sound.system != this)
+        return FMOD_ERR_INVALID_PARAM;
     mOutput->MakeCurrent();
     const int index = takeSlot(which, channel ? *channel : nullptr);
     if (index < 0)
@@ -207,7 +213,6 @@ FMOD_RESULT SoundSystem::PlaySound(FMOD_CHANNELINDEX which, SoundObject& sound, 
     fresh.paused = paused;
     slot = fresh;
     ApplyVolume(slot);
-    alSourcei(slot.source, AL_BUFFER, static_cast<ALint>(sound.buffer));
     ApplyLoop(slot);
     if (!paused)
         alSourcePlay(slot.source);
@@ -231,27 +236,39 @@ void SoundSystem::ApplyPause(Slot& slot) {
         alSourcePlay(slot.source);
 }
 
-// OpenAL loops once or for ever. A loop that ends is as many copies of the buffer in a queue.
+// OpenAL loops once or for ever. A loop that ends is as many copies of the buffer in a queue, and
+// everything is a queue, so that more of them can follow while it is heard.
 void SoundSystem::ApplyLoop(Slot& slot) {
     const bool loops = slot.mode == FMOD_LOOP_NORMAL;
     const bool forEver = loops && slot.loopCount < 0;
-    const int copies = loops && slot.loopCount > 0 ? slot.loopCount + 1 : 0;
-    if (copies != slot.queued)
-        fill(slot, copies);
+    const int wanted = loops && slot.loopCount > 0 ? slot.loopCount + 1 : 1;
+    if (slot.queued > 1) // of one that loops, OpenAL does not tell how far it is
+        alSourcei(slot.source, AL_LOOPING, AL_FALSE);
+    ALint played = 0;
+    alGetSourcei(slot.source, AL_BUFFERS_PROCESSED, &played);
+    const int left = slot.queued - played;
+    if (left > wanted && !forEver)
+        restart(slot, wanted);
+    else
+        queue(slot, wanted - left);
     alSourcei(slot.source, AL_LOOPING, forEver ? AL_TRUE : AL_FALSE);
 }
 
-void SoundSystem::fill(Slot& slot, int copies) {
+void SoundSystem::queue(Slot& slot, int copies) {
+    for (int i = 0; i < copies; ++i, ++slot.queued)
+        alSourceQueueBuffers(slot.source, 1, &slot.sound->buffer);
+}
+
+// Takes back what is queued, which OpenAL does for what it has played only: it is stopped, and goes
+// on from where it was, faded in by the mixer over its next block.
+void SoundSystem::restart(Slot& slot, int copies) {
     ALint state = 0, at = 0;
     alGetSourcei(slot.source, AL_SOURCE_STATE, &state);
     alGetSourcei(slot.source, AL_SAMPLE_OFFSET, &at);
     alSourceStop(slot.source);
     alSourcei(slot.source, AL_BUFFER, 0);
-    if (copies == 0)
-        alSourcei(slot.source, AL_BUFFER, static_cast<ALint>(slot.sound->buffer));
-    for (int i = 0; i < copies; ++i)
-        alSourceQueueBuffers(slot.source, 1, &slot.sound->buffer);
-    slot.queued = copies;
+    slot.queued = 0;
+    queue(slot, copies);
     alSourceRewind(slot.source);
     alSourcei(slot.source, AL_SAMPLE_OFFSET, at % slot.sound->frames);
     if (state == AL_PLAYING)

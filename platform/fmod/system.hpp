@@ -41,7 +41,7 @@ struct Slot {
     int priority = 128;
     float volume = 1;
     bool muted = false, paused = false;
-    int queued = 0; // copies of the buffer, for a loop that ends; 0: the buffer itself
+    int queued = 0; // copies of the buffer, those that have been played with them
 };
 
 class SoundSystem : public FMOD::System {
@@ -67,7 +67,8 @@ private:
     void refresh(Slot& slot);
     int takeSlot(FMOD_CHANNELINDEX which, FMOD::Channel* wanted);
     void free(Slot& slot, bool stolen);
-    void fill(Slot& slot, int copies);
+    static void queue(Slot& slot, int copies);
+    static void restart(Slot& slot, int copies);
     ChannelHandle& makeHandle(int slot);
 
     std::unique_ptr<AudioOutput> mOutput; // null before Init

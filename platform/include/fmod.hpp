@@ -66,8 +66,9 @@ class Channel {
 public:
     /// FMOD_LOOP_OFF or FMOD_LOOP_NORMAL.
     FMOD_RESULT setMode(FMOD_MODE);
-    /// With FMOD_LOOP_NORMAL: 0 plays once, n plays n + 1 times, up to 1,000; -1 for ever. Once the
-    /// playing is heard, a change from or to a count above 0 leaves a gap of some 20 milliseconds.
+    /// With FMOD_LOOP_NORMAL: 0 plays once, n plays n + 1 times, up to 1,000; -1 for ever. A change
+    /// counts from the round that is heard. Where it leaves fewer rounds than there were to come,
+    /// and those were not endless, the sound dips for 20 to 40 milliseconds.
     FMOD_RESULT setLoopCount(int);
     /// From 0, the most important, to 256.
     FMOD_RESULT setPriority(int);
@@ -91,7 +92,8 @@ public:
                             Sound** sound);
     /// FREE takes a free channel, or the least important that is not more important than a new
     /// playing (the oldest of those), or fails with FMOD_ERR_CHANNEL_ALLOC. REUSE takes that of the
-    /// handle in `channel`, ending what plays there; if that is null or over, as FREE.
+    /// handle in `channel`, ending what plays there; if that is null, over, or another system's, as
+    /// FREE. On failure `channel` stays. The sound has to be one of this system.
     FMOD_RESULT playSound(FMOD_CHANNELINDEX channelId, Sound* sound, bool paused,
                           Channel** channel);
     /// To be called each frame.

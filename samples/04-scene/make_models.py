@@ -130,12 +130,13 @@ def weed_bones():
 
 
 def picture(name, side, color):
+    """`color` has three channels, or four with alpha, from 0 to 255."""
+    kind = 6 if len(color(0, 0)) == 4 else 2
     rows = b"".join(b"\0" + bytes(max(0, min(255, round(c))) for x in range(side) for c in color(x / side, y / side))
                     for y in range(side))
-    chunk = lambda kind, data: (struct.pack(">I", len(data)) + kind + data +
-                                struct.pack(">I", zlib.crc32(kind + data)))
+    chunk = lambda tag, data: (struct.pack(">I", len(data)) + tag + data + struct.pack(">I", zlib.crc32(tag + data)))
     with open(f"data/img/{name}", "wb") as file:
-        file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", side, side, 8, 2, 0, 0, 0)) +
+        file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", side, side, 8, kind, 0, 0, 0)) +
                    chunk(b"IDAT", zlib.compress(rows, 9)) + chunk(b"IEND", b""))
 
 
@@ -170,4 +171,5 @@ def main():
         picture(f"reef_{name}.png", 64, color)
 
 
-main()
+if __name__ == "__main__":
+    main()

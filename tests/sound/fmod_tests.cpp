@@ -151,6 +151,42 @@ TEST_F(Fmod, LoopsAsOftenAsItIsTold) {
     EXPECT_EQ(channel->setLoopCount(-2), FMOD_ERR_INVALID_PARAM);
 }
 
+TEST_F(Fmod, AChangeOfTheLoopIsNotHeardAndCountsFromTheRoundThatIs) {
+    struct Change {
+        int from, to;       // counts; 0 is without a loop
+        std::size_t rounds; // in all, with the change in the second one or, without a loop, first
+    };
+    const Change changes[] = {{0, 2, 3}, {-1, 2, 4}, {1, 4, 6}, {5, -1, 0}, {-1, 0, 2}, {5, 1, 3}};
+    for (const auto& [from, to, rounds] : changes) {
+        SCOPED_TRACE(std::to_string(from) + " to " + std::to_string(to));
+        FMOD::Channel* channel = Play(LoadTone(480, 10'000));
+        const auto loop = [channel](int count) {
+            channel->setMode(count ? FMOD_LOOP_NORMAL : FMOD_LOOP_OFF);
+            channel->setLoopCount(count);
+        };
+        loop(from);
+        const int before = from ? 14'830 : 4'830;
+        std::vector<float> heard = Side(RenderAudio(before));
+        loop(to);
+        for (const float sample : Side(RenderAudio(70'000)))
+            heard.push_back(sample);
+        const std::size_t end = rounds ? rounds * 10'000 : heard.size();
+        std::vector<float> expected = Tone(480, 0.5, static_cast<int>(heard.size()));
+        std::fill(expected.begin() + static_cast<std::ptrdiff_t>(end), expected.end(), 0.0f);
+        // Rounds that are taken back leave a dip, for a block of the mixer and no longer.
+        const int dip = to > 0 && to < from ? 2'048 : 0;
+        for (std::size_t i = 0; i < heard.size(); ++i) {
+            const bool dips = int(i) >= before && int(i) < before + dip;
+            const bool fades = i >= end && i < end + Fade;
+            if (!dips && !fades) {
+                ASSERT_NEAR(heard[i], expected[i], 1e-4) << i;
+            }
+        }
+        channel->stop();
+        RenderAudio(Fade);
+    }
+}
+
 TEST_F(Fmod, VolumeAndMuteAreHeard) {
     FMOD::Channel* channel = Play(LoadTone(480, 2 * Second));
     const auto heard = [] {
@@ -306,7 +342,7 @@ TEST_F(Fmod, DamagedFilesDoNoHarm) {
         WriteSound(folder / format.name, format.format, Tone(480, 0.5, 6'000, 44'100), 1, 44'100);
         std::ifstream file(folder / format.name, std::ios::binary);
         const std::string whole(std::istreambuf_iterator<char>(file), {});
-        for (int i = 0; i < 150; ++i) {
+        for (int i = 0; i < 60; ++i) {
             std::string bytes = whole;
             if (i % 2 == 0)
                 bytes.resize(random() % whole.size());

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <optional>
 #include <stdexcept>
 #include <vector>
@@ -20,15 +21,15 @@ using VornPlatform::RenderAudio;
 
 constexpr int Fade = 2'048;
 
-/// Files "a" to "e", each of a pitch of its own, a minute long.
+/// Files "a" to "e", each of a pitch of its own, longer than any test listens.
 class SoundManagerTest : public testing::Test {
 protected:
     SoundManagerTest() {
         VornPlatform::UseAudioLoopback(Rate);
         folder.Folder("data/audio");
         for (std::size_t i = 0; i < std::size(pitches); ++i)
-            WriteSound("data/audio/" + Name(i), SF_FORMAT_OGG | SF_FORMAT_VORBIS,
-                       Tone(pitches[i], 0.3, 60 * 8'000, 8'000), 1, 8'000);
+            WriteSound("data/audio/" + Name(i), Wav, Tone(pitches[i], 0.3, 8 * 8'000, 8'000), 1,
+                       8'000);
     }
     ~SoundManagerTest() override {
         sound = Vorn::SoundManager::Instance();
@@ -166,7 +167,7 @@ TEST_F(SoundManagerTest, AnEffectHasOneChannel) {
     EXPECT_EQ(sound->PlaySfx(SoundType(99), true), nullptr);
     sound->StopSfx(SoundType(11));
     EXPECT_EQ(Heard(), "b");
-    for (const int type : {-5, 0, 1, 10, 11, 33, 34, 1'000})
+    for (const int type : {INT_MIN, -5, 0, 1, 10, 11, 33, 34, INT_MAX})
         sound->StopSfx(SoundType(type));
     EXPECT_EQ(Heard(), "b");
     sound->MuteSfx(false);
@@ -192,6 +193,37 @@ TEST_F(SoundManagerTest, WhatGoesBeyondTheTablesIsSilent) {
     EXPECT_EQ(sound->PlaySfx(SoundType(0), false), nullptr);
 }
 
+TEST_F(SoundManagerTest, WhatWasBeyondTheTablesGetsANumberLater) {
+    for (int i = 0; i < 10; ++i)
+        Create("a bgm");
+    Create("b bgm");
+    sound->ReleaseSound(Path("a"));
+    Create("b bgm");
+    EXPECT_EQ(sound->PlayBgm(SoundType(1)), FMOD_OK);
+    EXPECT_EQ(Heard(), "b");
+    sound->ReleaseSound(Path("b"));
+    EXPECT_EQ(Heard(), "");
+    Create("c bgm");
+    sound->PlayBgm(SoundType(1));
+    EXPECT_EQ(Heard(), "c");
+}
+
+TEST_F(SoundManagerTest, NumbersFrom24StayTaken) {
+    for (int i = 11; i < 23; ++i)
+        Create("a");
+    for (const char* name : {"b", "c"}) // 23 and 24
+        Create(name);
+    sound->ReleaseSound(Path("c"));
+    sound->ReleaseSound(Path("b"));
+    for (const char* name : {"d", "e"})
+        Create(name);
+    sound->PlaySfx(SoundType(23), true);
+    EXPECT_EQ(sound->PlaySfx(SoundType(24), true), nullptr);
+    EXPECT_EQ(Heard(), "d");
+    sound->PlaySfx(SoundType(25), true);
+    EXPECT_EQ(Heard(), "de");
+}
+
 TEST_F(SoundManagerTest, AFileThatCannotBePlayedTakesANumber) {
     folder.File("data/audio/broken", "no music");
     testing::internal::CaptureStdout();
@@ -210,16 +242,27 @@ TEST_F(SoundManagerTest, AFileThatCannotBePlayedTakesANumber) {
 }
 
 TEST_F(SoundManagerTest, TellsWhatFails) {
-    // All of the system's channels are music.
     Create("a bgm");
     Create("b");
+    Create("c");
+    EXPECT_NE(sound->PlaySfx(SoundType(12), false), nullptr);
+    sound->StopSfx(SoundType(12));
+    // All of the system's channels are music.
     testing::internal::CaptureStdout();
     for (int i = 0; i < 64; ++i)
         EXPECT_EQ(sound->PlayBgm(SoundType(1)), FMOD_OK);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     testing::internal::CaptureStdout();
-    EXPECT_EQ(sound->PlaySfx(SoundType(11), false), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "fmod playsound error\n");
+    for (const int type : {11, 12}) // never played, and played before
+        EXPECT_EQ(sound->PlaySfx(SoundType(type), false), nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "fmod playsound error\nfmod playsound error\n");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(sound->PlaySfx(SoundType(11), true), nullptr); // the calls behind it fail too
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "fmod playsound error\n"
+              "(setLoop)FMOD error! (36): An invalid object handle was used.\n"
+              "fail to set loop count\nfail to set priority\n");
     testing::internal::CaptureStdout();
     sound->PlayBgm(SoundType(1));
     EXPECT_EQ(testing::internal::GetCapturedStdout(),

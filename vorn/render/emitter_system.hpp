@@ -8,11 +8,12 @@
 
 namespace Vorn {
 
-/// Holds the emitters.
+/// Steps the emitters, in the order in which they came. Graphics2DSystem draws what they give off.
 class VORN_API EmitterSystem : public System<EmitterSystem, EmitterCmpt> {
 public:
+    /// Hands its list to Graphics2DSystem when all are ready.
     void Init() override;
-    /// Emits nothing yet.
+    /// Each emitter in turn emits and then moves its particles (unit: seconds).
     void Update(float dt) override;
     void Deinit() override;
     void Register(EmitterCmpt* cmpt) override;

@@ -21,6 +21,8 @@ HWND Graphic::mWnd = nullptr;
 std::uint32_t Graphic::mBackBufferColor = 0;
 D3DXMATRIXA16 Graphic::mMatProj{};
 bool Graphic::isDeviceLost = false;
+float Graphic::sDistortionTime = 0.0f;
+float Graphic::sDistortionTargetTime = 0.0f;
 IDirect3DDevice9* Graphic::mEnded = nullptr;
 
 namespace {

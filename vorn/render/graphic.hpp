@@ -144,6 +144,10 @@ public:
     /// texture that is bound and the caller's states. Its shaders stay bound; the next effect sets
     /// its own, and Draw3DLine none.
     void SetSkelMatrix(Mesh& mesh, D3DXMATRIX world, float dt);
+    /// Lays the three render targets over each other, on a square from (0, 0) to (800, 600): view
+    /// and projection must show those units. With `distortion` a shock wave runs out of `center`,
+    /// from -1 to 1 across the picture, Y down. Its times go on in each call, by DeltaClock.
+    void DistortionEffect(Point2 center, bool distortion);
     /// In the colour of a shadow, into the target that is current. Nothing in the library calls it.
     void ShadowMap(Mesh* mesh, D3DXMATRIX world);
 
@@ -254,7 +258,9 @@ private:
     void beginTarget(IDirect3DSurface9* surface);
     void endTarget();
 
-    static IDirect3DDevice9* mEnded; // the device that Free has released; null if there is none
+    static float sDistortionTime;       // (unit: seconds)
+    static float sDistortionTargetTime; // (unit: seconds)
+    static IDirect3DDevice9* mEnded;    // the device that Free has released; null if there is none
 
     ID3DXLine* mLine = nullptr;
     D3DLIGHT9 mPointLight{};

@@ -18,8 +18,9 @@ namespace {
 constexpr DWORD ImageFormat = D3DFVF_XYZ | D3DFVF_DIFFUSE | D3DFVF_TEX1;
 
 D3DXMATRIX TransformOf(IDirect3DDevice9& device, D3DTRANSFORMSTATETYPE which) {
-    D3DXMATRIX matrix = Matrix4::Identity;
-    device.GetTransform(which, &matrix);
+    D3DXMATRIX matrix;
+    if (FAILED(device.GetTransform(which, &matrix)))
+        matrix = Matrix4::Identity;
     return matrix;
 }
 
@@ -115,6 +116,38 @@ void Graphic::DrawTwoDModulate(D3DXMATRIX world, IDirect3DTexture9* texture, flo
     effect.SetTexture("ModelTexture", orWhite(texture));
     SetTechnique(effect, "pixelmodulate");
     m3DDevice->SetVertexDeclaration(mDecl2D);
+    RunPasses(effect, [this] { drawQuad(); });
+}
+
+void Graphic::DistortionEffect(Point2 center, bool distortion) {
+    const auto dt = static_cast<float>(DeltaClock::Instance()->GetDeltaTime());
+    sDistortionTime += dt;
+    if (sDistortionTime > 0.7f)
+        sDistortionTime = 0.0f;
+    sDistortionTargetTime += dt;
+    if (static_cast<double>(sDistortionTargetTime) > 0.07)
+        sDistortionTargetTime = 0.0f;
+    if (!LiveDevice() || !mEffectDistortion)
+        return;
+    ID3DXEffect& effect = *mEffectDistortion;
+    SetTransparent();
+    SetTechnique(effect, "TransformTech");
+    m3DDevice->SetFVF(ImageFormat);
+    m3DDevice->SetVertexDeclaration(mDecl2D);
+    m3DDevice->SetStreamSource(0, mQuadVB, 0, sizeof(VERTEX_2D));
+    m3DDevice->SetIndices(mQuadIB);
+
+    // The unit square from (0, 0) to (800, 600), whatever the size of the back buffer.
+    const D3DXMATRIX world = Matrix4(800, 0, 0, 400, 0, 600, 0, 300, 0, 0, 0, 0, 0, 0, 0, 1);
+    SetTransforms(*m3DDevice, effect, world);
+    effect.SetTexture("ModelTexture", mRTTexture);
+    effect.SetTexture("BeamTexture", mRTBeamTexture);
+    effect.SetTexture("ParticlesTexture", mRTParticlesTexture);
+    effect.SetFloat("Time", sDistortionTime);
+    effect.SetFloat("TargetTime", sDistortionTargetTime);
+    effect.SetBool("distortion", distortion);
+    const float centre[] = {center.x * 0.5f + 0.5f, center.y * 0.5f + 0.5f};
+    effect.SetFloatArray("center", centre, 2);
     RunPasses(effect, [this] { drawQuad(); });
 }
 

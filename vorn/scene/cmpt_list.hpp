@@ -47,6 +47,8 @@ public:
     }
 
     const std::list<C*>& Cmpts() const { return mCmpts; }
+    /// Changed by Add and RemoveFirst only.
+    std::list<C*>& Cmpts() { return mCmpts; }
 
     /// A component that stands in the list of another system is taken out of that first.
     void Add(C* cmpt) {

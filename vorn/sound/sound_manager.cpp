@@ -14,7 +14,7 @@ namespace Vorn {
 namespace {
 
 constexpr int MaxChannels = 64;
-constexpr int FirstMusic = 1, FirstEffect = 11;
+constexpr int FirstMusic = 1, FirstEffect = 11, LastEffect = 32;
 
 // Two streams write to standard output; what is told stays in its order.
 void TellError(const char* where, FMOD_RESULT result) {
@@ -44,13 +44,21 @@ std::pair<std::string, std::string> Split(const std::string& path) {
     return {path.substr(0, blank), path.substr(blank + 1)};
 }
 
+// A channel that was never started answers like one that is over.
+template <typename... Arguments>
+FMOD_RESULT Call(FMOD::Channel* channel, FMOD_RESULT (FMOD::Channel::*operation)(Arguments...),
+                 Arguments... arguments) {
+    return channel ? (channel->*operation)(arguments...) : FMOD_ERR_INVALID_HANDLE;
+}
+
 // Music and looped effects: nothing else takes their channels.
 void LoopForEver(FMOD::Channel* channel) {
-    if (const FMOD_RESULT result = channel->setMode(FMOD_LOOP_NORMAL); result != FMOD_OK)
+    const FMOD_RESULT result = Call(channel, &FMOD::Channel::setMode, FMOD_MODE(FMOD_LOOP_NORMAL));
+    if (result != FMOD_OK)
         TellError("(setLoop)", result);
-    if (channel->setLoopCount(-1) != FMOD_OK)
+    if (Call(channel, &FMOD::Channel::setLoopCount, -1) != FMOD_OK)
         Tell("fail to set loop count");
-    if (channel->setPriority(0) != FMOD_OK)
+    if (Call(channel, &FMOD::Channel::setPriority, 0) != FMOD_OK)
         Tell("fail to set priority");
 }
 
@@ -64,6 +72,7 @@ void SoundManager::Init() {
     if (result != FMOD_OK) {
         TellError("", result);
         std::fputs("FMOD::System_Create Failure", stdout);
+        std::fflush(stdout);
         mFmodSys = nullptr;
         return;
     }
@@ -71,6 +80,7 @@ void SoundManager::Init() {
     if (result != FMOD_OK) {
         TellError("", result);
         std::fputs("mFmodSys->init Failure", stdout);
+        std::fflush(stdout);
         mFmodSys->release();
         mFmodSys = nullptr;
     }
@@ -120,20 +130,26 @@ int SoundManager::CreateSound(const std::string& path) {
         result = mFmodSys->createSound(file.c_str(), FMOD_DEFAULT, nullptr, &sound);
     // A file keeps its first number until that is given back.
     const auto [entry, isNew] = mSoundTypes.try_emplace(file, type);
-    if (!isNew && mOwners[entry->second] != file)
+    if (!isNew && !owns(file, entry->second))
         entry->second = type;
     mSounds[type] = sound;
-    mOwners[type] = file;
+    if (type != 0)
+        mOwners[type] = file;
     return result;
+}
+
+bool SoundManager::owns(const std::string& file, SoundType type) const {
+    const auto owner = mOwners.find(type);
+    return owner != mOwners.end() && owner->second == file;
 }
 
 void SoundManager::ReleaseSound(const std::string& path) {
     const std::string file = Split(path).first;
     const SoundType type = At(mSoundTypes, file);
     FMOD::Sound*& sound = At(mSounds, type);
-    if (type == 0 || mOwners[type] != file)
+    if (!owns(file, type))
         return;
-    mOwners[type].clear();
+    mOwners.erase(type);
     if (FMOD::Sound* const released = std::exchange(sound, nullptr))
         released->release();
     if (type < FirstEffect)
@@ -164,22 +180,20 @@ int SoundManager::PlayBgm(SoundType type) {
     FMOD_RESULT result = mFmodSys->playSound(FMOD_CHANNEL_FREE, sound, mPauseBgm, &mBgmChannel);
     if (result != FMOD_OK)
         TellError("(playSound)", result);
-    if (!mBgmChannel)
-        return result;
     LoopForEver(mBgmChannel);
-    result = mBgmChannel->setVolume(mBgmVolume);
+    result = Call(mBgmChannel, &FMOD::Channel::setVolume, mBgmVolume);
     if (result != FMOD_OK)
         TellError("(setVol)", result);
     if (mMuteBgm)
-        mBgmChannel->setMute(true);
+        Call(mBgmChannel, &FMOD::Channel::setMute, true);
     return result;
 }
 
 FMOD::Channel** SoundManager::channelOf(SoundType type) {
-    const int entry = type - FirstEffect + 1;
-    if (entry < 1 || entry >= static_cast<int>(mSfxChannels.size()))
+    // Entry 0 is nobody's, and so the last number has none.
+    if (type < FirstEffect || type > LastEffect)
         return nullptr;
-    return &mSfxChannels[static_cast<std::size_t>(entry)];
+    return &mSfxChannels[static_cast<std::size_t>(type - FirstEffect + 1)];
 }
 
 FMOD::Channel* SoundManager::PlaySfx(SoundType type, bool loop) {
@@ -189,20 +203,19 @@ FMOD::Channel* SoundManager::PlaySfx(SoundType type, bool loop) {
     FMOD::Channel** const channel = channelOf(type);
     if (!sound || !channel)
         return nullptr;
-    if (mFmodSys->playSound(FMOD_CHANNEL_REUSE, sound, false, channel) != FMOD_OK)
+    const FMOD_RESULT started = mFmodSys->playSound(FMOD_CHANNEL_REUSE, sound, false, channel);
+    if (started != FMOD_OK)
         Tell("fmod playsound error");
-    if (!*channel)
-        return nullptr;
     if (loop)
         LoopForEver(*channel);
-    (*channel)->setVolume(mSfxVolume);
-    return *channel;
+    Call(*channel, &FMOD::Channel::setVolume, mSfxVolume);
+    return started == FMOD_OK ? *channel : nullptr;
 }
 
 void SoundManager::StopSfx(SoundType type) {
     FMOD::Channel** const channel = channelOf(type);
     bool plays = false;
-    if (channel && *channel && (*channel)->isPlaying(&plays) == FMOD_OK && plays)
+    if (channel && Call(*channel, &FMOD::Channel::isPlaying, &plays) == FMOD_OK && plays)
         (*channel)->stop();
 }
 
@@ -213,20 +226,17 @@ void SoundManager::StopBgm() {
 
 void SoundManager::PauseBgm(bool pause) {
     mPauseBgm = pause;
-    if (mBgmChannel)
-        mBgmChannel->setPaused(pause);
+    Call(mBgmChannel, &FMOD::Channel::setPaused, pause);
 }
 
 void SoundManager::PauseAllSfx(bool pause) {
     for (FMOD::Channel* channel : mSfxChannels)
-        if (channel)
-            channel->setPaused(pause);
+        Call(channel, &FMOD::Channel::setPaused, pause);
 }
 
 void SoundManager::EndAllChannels() {
     for (FMOD::Channel* channel : mSfxChannels)
-        if (channel)
-            channel->stop();
+        Call(channel, &FMOD::Channel::stop);
     StopBgm();
 }
 

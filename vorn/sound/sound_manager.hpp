@@ -47,7 +47,7 @@ class VORN_API SoundManager : public Singleton<SoundManager> {
 public:
     /// Starts the sound system; the first CreateSound does it by itself, also after Free.
     void Init();
-    /// Ends it, and with it all that plays.
+    /// Ends it, and with it all that plays. The numbers stay taken, and are silent.
     void Free();
     /// For each frame; Scene::Update calls it. The number has no meaning.
     void Update(float dt);
@@ -58,8 +58,8 @@ public:
     /// @return the platform's result
     int CreateSound(const std::string& path);
     /// Raises std::out_of_range, "invalid unordered_map<K, T> key", for a file that was never
-    /// created. The number is free for the next sound; until then it is silent. A second release is
-    /// passed over.
+    /// created. A number below 24 is free for the next sound, one above stays taken; until then it
+    /// is silent. A second release is passed over.
     void ReleaseSound(const std::string& path);
     /// The numbers stay taken. Where they must come back, release by name.
     void ReleaseAllSounds();
@@ -69,7 +69,8 @@ public:
     /// @return 1 if the sound is not there, else the platform's result of setting the volume
     int PlayBgm(SoundType type);
     /// One sound a number at a time: again cuts the one before off.
-    /// @return null if nothing was started: muted, no such sound, or no number of an effect
+    /// @return null if nothing was started: muted, no such sound, no number of an effect, or a
+    /// fault
     FMOD::Channel* PlaySfx(SoundType type, bool loop);
     /// Other numbers than those of effects are passed over.
     void StopSfx(SoundType type);
@@ -95,6 +96,7 @@ public:
 
 private:
     SoundType takeType(bool music);
+    bool owns(const std::string& file, SoundType type) const;
     FMOD::Sound* soundOf(SoundType type) const;
     FMOD::Channel** channelOf(SoundType type);
 
@@ -110,7 +112,7 @@ private:
     bool mMuteSfx = false;
     bool mMuteBgm = false;
     bool mPauseBgm = false;
-    // Which file a number was given out for last: its number may be another's by now.
+    // Which file a number is out for, without 0: what a file was given may be another's by now.
     std::unordered_map<SoundType, std::string> mOwners;
 };
 
