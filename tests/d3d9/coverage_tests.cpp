@@ -2,6 +2,7 @@
 //
 // Which pixels triangles, lines and Clear reach.
 #include "tests/support/device.hpp"
+#include "tests/support/rounds.hpp"
 
 #include <cmath>
 
@@ -33,7 +34,7 @@ TEST_F(CoverageTest, TrianglesCoverThePixelsThatTheTopLeftRuleGives) {
     Set(D3DRS_ZENABLE, FALSE);
     Dice dice(1);
     std::vector<GridPoint> last(3);
-    for (int batch = 0; batch < 40; ++batch) {
+    for (unsigned int batch = 0; batch < Rounds(40); ++batch) {
         Picture expected(side, side, black);
         Clear(black);
         std::vector<Corner> corners;

@@ -282,45 +282,4 @@ TEST_P(ResetTest, FullScreenEndsWithTheDeviceAndWhenItMovesToAnotherWindow) {
     DestroyWindow(first), DestroyWindow(second);
 }
 
-TEST_P(ResetTest, TenResetsToFullScreenAndBackLeaveNothingBehindAndTheSamePicture) {
-    const Held<IDirect3DTexture9> texture = Texture(Noise(16, 16, 22));
-    const auto vertices = Vertices(Corners({3.5f, 3.5f, 40.5f, 19.5f}, white), imageFvf);
-    const auto picture = [&] {
-        Flat();
-        Clear(blue);
-        device->SetTexture(0, texture);
-        device->SetFVF(imageFvf);
-        device->SetStreamSource(0, vertices, 0, sizeof(Corner));
-        // A default-pool buffer and a target of the frame, as an engine makes them anew.
-        const auto indices = Indices<DWORD>({0, 1, 2, 2, 1, 3}, D3DPOOL_DEFAULT);
-        const Held<IDirect3DTexture9> target =
-            Target(32, 32, D3DFMT_X8R8G8B8, D3DUSAGE_AUTOGENMIPMAP);
-        device->SetIndices(indices);
-        device->BeginScene();
-        device->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 2);
-        device->EndScene();
-        const Picture screen = Screen();
-        EXPECT_EQ(D3D_OK, Present());
-        return screen;
-    };
-    const Picture before = picture();
-    D3DPRESENT_PARAMETERS pp = Parameters();
-    ASSERT_EQ(D3D_OK, device->Reset(&pp));
-    const auto live = VornPlatform::CountLiveObjects();
-    const auto gpu = VornPlatform::CountGpuObjects();
-    for (int i = 0; i < 10; ++i) {
-        for (const BOOL windowed : {FALSE, TRUE}) {
-            pp = Parameters(windowed ? Side : 640, windowed ? Side : 480);
-            pp.Windowed = windowed;
-            ASSERT_EQ(D3D_OK, device->Reset(&pp)) << i;
-            if (!windowed)
-                picture();
-        }
-        EXPECT_EQ(VornPlatform::CountLiveObjects(), live) << i;
-        EXPECT_EQ(VornPlatform::CountGpuObjects(), gpu) << i;
-        ASSERT_TRUE(Same(picture(), before)) << i;
-        ASSERT_EQ(D3D_OK, Reset());
-    }
-}
-
 } // namespace Tests

@@ -328,70 +328,6 @@ TEST_F(ShaderTest, TheFixedPixelStageTakesAVertexShadersColorAndCoordinatesAsFar
     }
 }
 
-TEST_F(ShaderTest, ColorsHaveBoundsBetweenTheStagesBelowTheThirdModel) {
-    for (const DWORD version : {0xfffe0101u, 0xfffe0200u, 0xfffe0300u}) {
-        ShaderCode vertex = VertexCode(
-            "vec3 at; vec4 to; vec4 c; vec4 t;"
-            "void shader_main() { to = vec4(at, 1.0); c = vec4(4); t = vec4(2); }",
-            {{"c", "vec4", D3DDECLUSAGE_COLOR, 0}, {"t", "vec4", D3DDECLUSAGE_TEXCOORD, 0}});
-        vertex.version = version;
-        Use(vertex,
-            PixelCode(
-                "vec4 c; vec4 t; void shader_main() { color = vec4(c.x / 4.0, t.x / 2.0, 0, 1); }",
-                {{"c", "vec4", D3DDECLUSAGE_COLOR, 0}, {"t", "vec4", D3DDECLUSAGE_TEXCOORD, 0}}));
-        Cover();
-        EXPECT_LE(Distance(Pixel(), Packed(version == 0xfffe0300 ? 255 : 64, 255, 0)), 1);
-    }
-}
-
-TEST_F(ShaderTest, ElementsArriveByTheirUsageAndAsTheTypesOfTheShader) {
-    struct Vertex {
-        float x, y;
-        std::uint8_t bones[4];
-        float weight;
-        float tangent[3], binormal[4];
-        D3DCOLOR second;
-        float last[2];
-    };
-    const D3DVERTEXELEMENT9 elements[] = {
-        {0, 0, D3DDECLTYPE_FLOAT2, 0, D3DDECLUSAGE_POSITION, 0},
-        {0, 8, D3DDECLTYPE_UBYTE4, 0, D3DDECLUSAGE_BLENDINDICES, 0},
-        {0, 12, D3DDECLTYPE_FLOAT1, 0, D3DDECLUSAGE_BLENDWEIGHT, 0},
-        {0, 16, D3DDECLTYPE_FLOAT3, 0, D3DDECLUSAGE_TANGENT, 0},
-        {0, 28, D3DDECLTYPE_FLOAT4, 0, D3DDECLUSAGE_BINORMAL, 0},
-        {0, 44, D3DDECLTYPE_D3DCOLOR, 0, D3DDECLUSAGE_COLOR, 1},
-        {0, 48, D3DDECLTYPE_FLOAT2, 0, D3DDECLUSAGE_TEXCOORD, 7},
-        D3DDECL_END()};
-    Held<IDirect3DVertexDeclaration9> declaration;
-    ASSERT_EQ(D3D_OK, device->CreateVertexDeclaration(elements, declaration.Out()));
-    Use(VertexCode(
-            "vec4 at; ivec4 bones; vec4 weight; vec3 tangent; vec4 binormal; vec4 second;"
-            "vec2 last; bool missing; vec4 to; vec4 c; void shader_main() { to = at; c = vec4("
-            "bones == ivec4(0, 7, 255, 3) && weight == vec4(0.5, 0, 0, 1),"
-            "tangent == vec3(1, 2, 3) && binormal == vec4(4, 5, 6, 7),"
-            "second == vec4(1, 0, 0, 0) && last == vec2(8, 9) && !missing, 1); }",
-            {{"c", "vec4", D3DDECLUSAGE_COLOR, 0}},
-            {{"last", "vec2", D3DDECLUSAGE_TEXCOORD, 7},
-             {"missing", "bool", D3DDECLUSAGE_TEXCOORD, 6},
-             {"bones", "ivec4", D3DDECLUSAGE_BLENDINDICES, 0},
-             {"weight", "vec4", D3DDECLUSAGE_BLENDWEIGHT, 0},
-             {"tangent", "vec3", D3DDECLUSAGE_TANGENT, 0},
-             {"binormal", "vec4", D3DDECLUSAGE_BINORMAL, 0},
-             {"second", "vec4", D3DDECLUSAGE_COLOR, 1},
-             {"at", "vec4", D3DDECLUSAGE_POSITION, 0}}),
-        PixelCode("vec4 c; void shader_main() { color = c; }",
-                  {{"c", "vec4", D3DDECLUSAGE_COLOR, 0}}));
-    std::vector<Vertex> vertices(
-        3, {-1, 3, {0, 7, 255, 3}, 0.5f, {1, 2, 3}, {4, 5, 6, 7}, 0x00ff0000, {8, 9}});
-    vertices[1].x = 3, vertices[1].y = -1, vertices[2].y = -1;
-    device->SetVertexDeclaration(declaration);
-    device->BeginScene();
-    EXPECT_EQ(D3D_OK,
-              device->DrawPrimitiveUP(D3DPT_TRIANGLELIST, 1, vertices.data(), sizeof(Vertex)));
-    device->EndScene();
-    EXPECT_EQ(Pixel(), white);
-}
-
 // --- pixels
 
 TEST_F(ShaderTest, AlphaTestHoldsForShadersToo) {
@@ -495,66 +431,6 @@ TEST_F(ShaderTest, PixelsKnowTheirPlaceWithRowZeroAtTheTopInAnyTargetAndViewport
          std::vector<Corner>{{-1, 1, 0, 0, 0, 0}, {-1, -3, 0, 0, 0, 0}, {3, 1, 0, 0, 0, 0}},
          imageFvf);
     EXPECT_EQ(Read(surface).At(7, 12), Packed(7, 12, 0)) << "seen from behind";
-}
-
-TEST_F(ShaderTest, DepthAndPointSizeAreTheShaders) {
-    ShaderCode deep = WithBlock(PixelCode("float depth; void shader_main() {"
-                                          "color = vec4(1, 0, 0, 1); depth = g.z; }"),
-                                "float z;", 16, {{0, 0, 1}});
-    deep.outputs.push_back({"depth", "float", D3DDECLUSAGE_DEPTH, 0});
-    Use(PassThrough(), deep);
-    const float z[] = {0.25f, 0, 0, 0};
-    device->SetPixelShaderConstantF(0, z, 1);
-    Cover(white, 0.9f);
-    device->SetPixelShader(MakePixel(Plain("vec4(0, 1, 0, 1)")));
-    Cover(white, 0.5f);
-    EXPECT_EQ(Pixel(), red);
-    Cover(white, 0.2f);
-    EXPECT_EQ(Pixel(), green);
-
-    Clear(black);
-    const std::vector<Corner> point = {{0, 0, 0, 0, 0, 0}};
-    device->SetVertexShader(MakeVertex(VertexCode(
-        "vec3 at; vec4 to; float size; void shader_main() { to = vec4(at, 1); size = 4.0; }",
-        {{"size", "float", D3DDECLUSAGE_PSIZE, 0}})));
-    Draw(D3DPT_POINTLIST, point, imageFvf);
-    EXPECT_EQ(Screen().Count(green), 16);
-    device->SetVertexShader(MakeVertex(PassThrough()));
-    Clear(black);
-    Draw(D3DPT_POINTLIST, point, imageFvf);
-    EXPECT_EQ(Screen().Count(green), 1);
-}
-
-TEST_F(ShaderTest, TheSameMatrixMovesPixelsExactlyAsTheFixedFunctionDoes) {
-    std::mt19937 random(7);
-    std::uniform_real_distribution<float> number(-1, 1);
-    const ShaderCode vertex =
-        WithBlock(VertexCode("vec3 at; vec4 to; void shader_main() { to = g.m * vec4(at, 1.0); }"),
-                  "layout(row_major) mat4 m;", 64, {{0, 0, 4}, {1, 16, 4}, {2, 32, 4}, {3, 48, 4}});
-    for (int round = 0; round < 20; ++round) {
-        D3DXMATRIX m, columns;
-        for (float& value : m.m[0])
-            value = number(random);
-        for (int i = 1; i < 4; ++i)
-            for (int j = 0; j < 4; ++j)
-                m.m[i][j] = number(random) + (i == 3 && j == 3 ? 3.0f : 0.0f);
-        const std::vector<Corner> triangle = {
-            {number(random), number(random), number(random), white, 0, 0},
-            {number(random), number(random), number(random), white, 0, 0},
-            {number(random), number(random), number(random), white, 0, 0}};
-        Set(D3DRS_CULLMODE, D3DCULL_NONE), Set(D3DRS_LIGHTING, FALSE);
-        device->SetTransform(D3DTS_PROJECTION, &m);
-        device->SetVertexShader(nullptr), device->SetPixelShader(nullptr);
-        Clear(black);
-        Draw(D3DPT_TRIANGLELIST, triangle, imageFvf);
-        const Picture expected = Screen();
-        D3DXMatrixTranspose(&columns, &m);
-        device->SetVertexShaderConstantF(0, &columns.m[0][0], 4);
-        Use(vertex, Plain("vec4(1)"));
-        Clear(black);
-        Draw(D3DPT_TRIANGLELIST, triangle, imageFvf);
-        EXPECT_TRUE(Same(Screen(), expected)) << round;
-    }
 }
 
 // --- programs

@@ -228,11 +228,6 @@ TEST(RawShader, WhatACompilerWouldWalkWithoutEndIsRefused) {
     EXPECT_EQ(ErrorOf(inMain(repeat(1500, "for (int i = 0; i < 3; ++i) x += i; "))), "");
 }
 
-TEST(RawShader, WhatTheEntryDoesNotReachMayBeBroken) {
-    EXPECT_EQ(
-        ErrorOf("float4 Broken() { return nothing + 1; } float4 Main() : COLOR { return 1; }"), "");
-}
-
 TEST(CompileEffect, CompilesAFileAgainOnlyWhenAByteOfItHasChanged) {
     const std::string path = std::filesystem::temp_directory_path() / "effect_code_tests.fx";
     std::ofstream(path) << Returning("float k;", "k");

@@ -105,20 +105,6 @@ std::vector<float> Floats(ID3DXEffect* effect, const char* name, std::size_t cou
 }
 using Row = std::vector<float>;
 
-TEST_F(EffectTest, StartsWithTheValuesOfTheFile) {
-    const Held<ID3DXEffect> effect = Make();
-    EXPECT_EQ(Floats(effect, "number", 1), Row({2.5f}));
-    EXPECT_EQ(Floats(effect, "color", 4), Row({0.25f, 0.5f, 0.75f, 1}));
-    EXPECT_EQ(Floats(effect, "weights", 4), Row({1, 2, 3, 4}));
-    EXPECT_EQ(Floats(effect, "lamp.pos", 3), Row({1, 2, 3}));
-    BOOL on = FALSE;
-    EXPECT_EQ(D3D_OK, effect->GetBool("lamp.on", &on));
-    EXPECT_EQ(on, TRUE);
-    LPCSTR text = nullptr;
-    EXPECT_EQ(D3D_OK, effect->GetString("label", &text));
-    EXPECT_STREQ(text, "hello");
-}
-
 TEST_F(EffectTest, ConvertsByTheTypeOfTheParameter) {
     const Held<ID3DXEffect> effect = Make();
     const float infinity = std::numeric_limits<float>::infinity();
@@ -560,26 +546,6 @@ TEST_F(ConstantTableTest, NamesWriteRegistersOfTheDevice) {
         table.SetFloat(device, "fog", 1),     table.SetDefaults(nullptr)};
     for (const HRESULT result : results)
         EXPECT_EQ(result, D3DERR_INVALIDCALL);
-}
-
-TEST_F(ConstantTableTest, ItsCodeMakesShadersAndFaultsAreTold) {
-    const Shader s = Compile(Skinned, "main", "vs_3_0");
-    ASSERT_NE(s.code.Get(), nullptr);
-    Held<IDirect3DVertexShader9> shader;
-    EXPECT_EQ(D3D_OK, device->CreateVertexShader(
-                          static_cast<const DWORD*>(s.code->GetBufferPointer()), shader.Out()));
-    const struct {
-        const char *entry, *profile;
-    } faults[] = {{"none", "vs_3_0"}, {"main", "vs_9_9"}, {nullptr, "vs_3_0"}, {"main", nullptr}};
-    for (const auto& [entry, profile] : faults) {
-        const Shader bad = Compile(Skinned, entry, profile);
-        EXPECT_LT(bad.result, 0);
-        EXPECT_EQ(bad.code.Get(), nullptr);
-        EXPECT_EQ(bad.constants.Get(), nullptr);
-        ASSERT_NE(bad.errors.Get(), nullptr);
-        EXPECT_THAT(static_cast<const char*>(bad.errors->GetBufferPointer()),
-                    testing::HasSubstr("error"));
-    }
 }
 
 } // namespace

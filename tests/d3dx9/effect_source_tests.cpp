@@ -17,9 +17,9 @@ using testing::HasSubstr;
 
 namespace Tests {
 
-static EffectSource Read(const std::string& text,
-                         const std::map<std::string, std::string>& files = {},
-                         const Macros& macros = {}) {
+static EffectSource SourceOf(const std::string& text,
+                             const std::map<std::string, std::string>& files = {},
+                             const Macros& macros = {}) {
     return ReadEffectSource("main.fx", text, macros,
                             [&files](const std::string& name, const std::string&,
                                      std::string& found) -> std::optional<std::string> {
@@ -33,7 +33,7 @@ static EffectSource Read(const std::string& text,
 static std::string ErrorOf(const std::string& text,
                            const std::map<std::string, std::string>& files = {}) {
     try {
-        Read(text, files);
+        SourceOf(text, files);
     } catch (const EffectError& error) {
         return error.what();
     }
@@ -137,15 +137,15 @@ TEST(EffectSource, StartValuesAreTheNumbersThatHlslMakesOfThem) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.declaration);
-        const EffectSource source = Read(c.declaration);
+        const EffectSource source = SourceOf(c.declaration);
         const auto& initial = Parameter(source, "x").initial;
         ASSERT_TRUE(initial);
         ASSERT_EQ(initial->numbers.size(), c.numbers.size());
         for (std::size_t at = 0; at < c.numbers.size(); ++at)
             EXPECT_NEAR(initial->numbers[at], c.numbers[at], 1e-12) << at;
     }
-    const EffectSource source = Read("float4 a = 1; float4 b = { 1, 1, 1, 1 }; float c[] = "
-                                     "{ 1, 2, 3 }; string s = \"a\\\\b\" \"\\\"c\";");
+    const EffectSource source = SourceOf("float4 a = 1; float4 b = { 1, 1, 1, 1 }; float c[] = "
+                                         "{ 1, 2, 3 }; string s = \"a\\\\b\" \"\\\"c\";");
     EXPECT_TRUE(Parameter(source, "a").initial->fills);
     EXPECT_FALSE(Parameter(source, "b").initial->fills);
     EXPECT_THAT(Parameter(source, "c").dimensions, ElementsAre(3u));
@@ -154,7 +154,7 @@ TEST(EffectSource, StartValuesAreTheNumbersThatHlslMakesOfThem) {
 }
 
 TEST(EffectSource, StatesHaveTheNumbersOfDirect3D) {
-    const EffectSource source = Read(R"(
+    const EffectSource source = SourceOf(R"(
         float a; int i; float4 v; float4x4 m; texture t; struct L { float r; }; L l[2];
         sampler s[2] = { sampler_state { Texture = <t>; }, sampler_state { Texture = (t); } };
         static const int K = 3; float Point;
@@ -211,7 +211,7 @@ TEST(EffectSource, StatesHaveTheNumbersOfDirect3D) {
 }
 
 TEST(EffectSource, SamplersAndTexturesOfEverySpellingStandInTheTablesOnly) {
-    const EffectSource source = Read(R"(
+    const EffectSource source = SourceOf(R"(
         texture a; Texture b < string n = "x.png"; >; texture2D c, d; TEXTURECUBE e;
         sampler s0; sampler2D s1 : register(s3); SAMPLER s2 = Sampler_State { };
         samplerCUBE s3 : register(ps, s5) = sampler_state { texture = <e>; AddressU[0] = CLAMP; };
@@ -231,13 +231,14 @@ TEST(EffectSource, SamplersAndTexturesOfEverySpellingStandInTheTablesOnly) {
 }
 
 TEST(EffectSource, TheTextIsHlslWithoutWhatBelongsToEffects) {
-    const EffectSource source = Read("shared uniform const float4x4 w : WORLD < int a = 1; > = 1, "
-                                     "v : register(c7);\n"
-                                     "static const float k = 1;\n"
-                                     "const int n = 2; row_major float2x2 r[n];\n"
-                                     "#pragma pack_matrix(row_major)\n"
-                                     "struct { float4x4 m; float f; } s; matrix<float,2,3> q;\n"
-                                     "float4 F(float4 p : POSITION) : COLOR { return p; };\n");
+    const EffectSource source =
+        SourceOf("shared uniform const float4x4 w : WORLD < int a = 1; > = 1, "
+                 "v : register(c7);\n"
+                 "static const float k = 1;\n"
+                 "const int n = 2; row_major float2x2 r[n];\n"
+                 "#pragma pack_matrix(row_major)\n"
+                 "struct { float4x4 m; float f; } s; matrix<float,2,3> q;\n"
+                 "float4 F(float4 p : POSITION) : COLOR { return p; };\n");
     EXPECT_EQ(WithoutBlanks(source.text),
               "float4x4w,v;staticconstfloatk=1;intn;row_majorfloat2x2r[2];"
               "structanonymous_struct_1{row_majorfloat4x4m;floatf;}s;row_majormatrix<float,2,3>q;"
@@ -276,7 +277,7 @@ TEST(EffectSource, EveryLineOfTheTextKnowsWhereItComesFrom) {
                              "M(\ne\n) float f;\n"
                              "#line 100 \"made.fx\"\n"
                              "float g;\n";
-    const EffectSource source = Read(text, {{"inc.fxh", "\n// one\nfloat i = 2; M(j)\n"}});
+    const EffectSource source = SourceOf(text, {{"inc.fxh", "\n// one\nfloat i = 2; M(j)\n"}});
     const auto where = [&source](const std::string& name) {
         const SourcePlace& place = Parameter(source, name).place;
         return place.file + ":" + std::to_string(place.line);
@@ -347,9 +348,10 @@ TEST(EffectSource, FaultsNameTheirFileAndLine) {
                                                    {"bad", "technique T { pass P {\nFoo=1; } }"}});
         EXPECT_THAT(error, HasSubstr(c.message)) << c.text;
     }
-    EXPECT_THAT(Read("float a;\ntechnique10 A { pass { x(1); } }\nfloat b[2] = { 1 };").warnings,
-                "main.fx(2): warning: technique10 is of a later Direct3D: it is passed over\n"
-                "main.fx(3): warning: expected 2 numbers for b, found 1: the others are 0\n");
+    EXPECT_THAT(
+        SourceOf("float a;\ntechnique10 A { pass { x(1); } }\nfloat b[2] = { 1 };").warnings,
+        "main.fx(2): warning: technique10 is of a later Direct3D: it is passed over\n"
+        "main.fx(3): warning: expected 2 numbers for b, found 1: the others are 0\n");
 }
 
 TEST(EffectSource, WhatHasNoBoundsIsAnError) {

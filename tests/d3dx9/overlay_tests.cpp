@@ -83,15 +83,6 @@ TEST_F(OverlayTest, TextStartsAtLeftAndTopAndLiesInItsCalculatedRectangle) {
     EXPECT_GT(half.right, line.right);
 }
 
-TEST_F(OverlayTest, ANewLineStartsBelowTheFirst) {
-    const Picture one = TextPicture("Ab", 9, 3);
-    Picture expected = Moved(one, 0, 22);
-    for (std::size_t i = 0; i < expected.pixels.size(); ++i)
-        if (one.pixels[i] != black)
-            expected.pixels[i] = one.pixels[i];
-    EXPECT_TRUE(Same(TextPicture("Ab\nAb", 9, 3), expected));
-}
-
 TEST_F(OverlayTest, ColourIsExactWhereLettersCoverThePixelWhole) {
     font = Font(60); // stems wider than a pixel
     for (const D3DCOLOR color : {0xff4080c0u, 0x80ff0000u}) {

@@ -204,22 +204,6 @@ TEST_F(TextureOfFileTest, WhatIsSavedComesBackWithAllItsLevels) {
     EXPECT_TRUE(Same(Read(Load(path)), smooth, 16));
 }
 
-TEST_F(TextureOfFileTest, LevelsOfAFileAreMeansOfTheLevelAbove) {
-    Picture checks(16, 16, black);
-    for (int y = 0; y < 16; ++y)
-        for (int x = 0; x < 16; ++x)
-            checks.At(x, y) = (x + y) % 2 ? white : y < 8 ? red : blue;
-    const std::string path = folder / "checks.png";
-    ASSERT_EQ(D3D_OK, D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, Level(Texture(checks)),
-                                             nullptr, nullptr));
-    const Held<IDirect3DTexture9> loaded = Load(path);
-    Picture expected(8, 8, 0xffff8080);
-    expected.Fill(0, 4, 8, 8, 0xff8080ff);
-    // 127.5 either way; in the levels below once more.
-    EXPECT_TRUE(Same(Read(Level(loaded, 1)), expected, 1));
-    EXPECT_TRUE(Same(Read(Level(loaded, 4)), Picture(1, 1, 0xffc080c0), 3));
-}
-
 TEST_F(TextureOfFileTest, APartOfTheScreenIsSavedAsItIsSeen) {
     Clear(0x00112233);
     const D3DRECT rect = {10, 20, 30, 40};

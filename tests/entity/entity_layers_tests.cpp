@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "flock.hpp"
+#include "tests/support/rounds.hpp"
 
 #include <gmock/gmock.h>
 
@@ -12,7 +13,7 @@ using namespace EntityTests;
 using testing::ThrowsMessage;
 
 TEST(EntityLayers, RandomLayersAgreeWithTheTwin) {
-    for (unsigned int seed = 0; seed < 600 && !HasFailure(); ++seed) {
+    for (unsigned int seed = 0; seed < Tests::Rounds(600) && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         Sheep sheep;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "flock.hpp"
+#include "tests/support/rounds.hpp"
 
 #include <set>
 
@@ -47,7 +48,7 @@ TEST(EntityPool, RandomUseAgreesWithTheTwin) {
     Entity shared;
     shared.Deserialize(Whole, true);
     Vorn::TextureManager::Instance()->Load(""); // of emitters that have no data
-    for (unsigned int seed = 0; seed < 60 && !HasFailure(); ++seed) {
+    for (unsigned int seed = 0; seed < Tests::Rounds(60) && !HasFailure(); ++seed) {
         Random random(seed);
         Vorn::Scene scene;
         Flock pool;

@@ -19,7 +19,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 using Vorn::Entity;
-using Vorn::Random;
 using Vorn::Vector3;
 
 TEST_F(Emitters, TheTimerMustGoBelowZeroAndALongFrameEmitsOnce) {
@@ -51,8 +50,8 @@ TEST_F(Emitters, TheIntervalIsRolledOnceForEachInit) {
             emitter->Init();
             std::srand(seed);
             for (int i = 0; i < anew; ++i)
-                Random(2, 1);
-            const float interval = Random(2, 1);
+                Vorn::Random(2, 1);
+            const float interval = Vorn::Random(2, 1);
             const auto each = static_cast<std::size_t>(std::floor(interval * 64)) + 1;
             std::string expected;
             for (std::size_t i = 1; i <= steps.size(); ++i)
@@ -249,11 +248,11 @@ TEST_F(Emitters, TheThreeShapesRollLifeDirectionAndRadiusInThisOrder) {
             std::size_t resting = 0; // straight up by no height at all
             for (std::size_t i = Count; i-- > 0;) {
                 const Particle& p = emitter->mParticles[i];
-                const float life = Random(3, 1);
+                const float life = Vorn::Random(3, 1);
                 Vector3 direction;
                 RandomVector(low, high, direction);
                 direction.Normalize();
-                const float radius = type == "Sphere" ? Random(0, 5) : 0;
+                const float radius = type == "Sphere" ? Vorn::Random(0, 5) : 0;
                 ASSERT_TRUE(p.alive && p.life == life && p.lifeSpan == life) << type << i;
                 ASSERT_TRUE(p.direction == direction) << type << i;
                 ASSERT_TRUE(p.position == place + direction * radius) << type << i;

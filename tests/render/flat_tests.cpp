@@ -23,6 +23,7 @@ using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::ThrowsMessage;
+using Tests::operator+;
 using Tests::Texts;
 using Vorn::EmitterCmpt;
 using Vorn::Entity;
@@ -32,10 +33,6 @@ using Vorn::Vector3;
 using Vorn::Vorn2DObj;
 using VornPlatform::ObjectName;
 
-Texts operator+(Texts a, const Texts& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 const Texts ParticleStates = {"SetRenderState 27 1", "SetRenderState 7 1", "SetRenderState 14 0"};
 
 /// Gives off particles one by one, each where and as large as it is told.

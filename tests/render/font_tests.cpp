@@ -15,6 +15,9 @@
 namespace {
 
 using Tests::Content;
+using Tests::Ground;
+using Tests::SmallHeight;
+using Tests::SmallWidth;
 using Image = Tests::Picture;
 using Vorn::bmFont;
 using Vorn::CharDescriptor;
@@ -29,7 +32,7 @@ Numbers Of(const CharDescriptor& c) {
 std::array<int, 5> Head(const Charset& c) {
     return {c.lineHeight, c.base, c.scaleW, c.scaleH, c.pages};
 }
-Charset Parsed(const std::string& text, Charset charset = {}) {
+Charset ParsedFont(const std::string& text, Charset charset = {}) {
     std::istringstream stream(text);
     EXPECT_TRUE(Vorn::ParseFont(stream, charset));
     EXPECT_TRUE(stream.eof());
@@ -74,13 +77,13 @@ TEST(FontFile, OfEachGeneratorIsRead) {
         {"angelcode", {65, 233}}, {"hiero", {32, 65, 233}}, {"designer", {32, 34, 61, 65, 233}}};
     for (const auto& [generator, glyphs] : files) {
         SCOPED_TRACE(generator);
-        const Charset font = Parsed(FileOf(generator));
+        const Charset font = ParsedFont(FileOf(generator));
         EXPECT_EQ(Head(font), (std::array{32, 26, 256, 128, 1}));
         EXPECT_EQ(Of(font.chars[65]), (Numbers{40, 0, 21, 20, 65535, 6, 19, 0}));
         EXPECT_EQ(Of(font.chars[233]), (Numbers{0, 21, 15, 22, 1, 65532, 17, 0}));
         ExpectZeroBut(font, glyphs);
     }
-    const Charset designer = Parsed(FileOf("designer"));
+    const Charset designer = ParsedFont(FileOf("designer"));
     EXPECT_EQ(Of(designer.chars[32]), (Numbers{0, 0, 0, 0, 65535, 0, 8, 0}));
     for (const int id : {34, 61})
         EXPECT_EQ(Of(designer.chars[id]), (Numbers{1, 2, 3, 4, 5, 6, 7, 0})) << id;
@@ -100,7 +103,7 @@ TEST(FontFile, ANumberGoesAsFarAsItsDigitsAndElseLeavesItsField) {
     before.chars[65].x = before.lineHeight = 77;
     for (const auto& [expected, texts] : values)
         for (const std::string& text : texts) {
-            const Charset font = Parsed(
+            const Charset font = ParsedFont(
                 "char id=65 x=" + text + " y=3\ncommon lineHeight=" + text + " base=4", before);
             EXPECT_EQ(Of(font.chars[65]), (Numbers{expected, 3, 0, 0, 0, 0, 0, 0})) << text;
             EXPECT_EQ(Head(font), (std::array{expected, 4, 0, 0, 0})) << text;
@@ -134,7 +137,7 @@ TEST(FontFile, TheLastNumberBeforeAKeySaysWhoseItIs) {
     };
     for (const auto& [text, id, x, y] : lines) {
         SCOPED_TRACE(text);
-        const Charset font = Parsed(text);
+        const Charset font = ParsedFont(text);
         EXPECT_EQ(Head(font), (std::array{0, 0, 0, 0, 0}));
         ExpectZeroBut(font, {std::max(id, 0), 0});
         EXPECT_EQ(Of(font.chars[std::max(id, 0)]), (Numbers{x, y, 0, 0, 0, 0, 0, 0}));
@@ -147,11 +150,11 @@ TEST(FontFile, JunkAroundTheLinesDoesNoHarm) {
         if (i % 256 != '\n')
             junk += static_cast<char>(i % 256);
     const std::string zeros(70000, '\0'), blanks(70000, ' ');
-    const Charset font = Parsed(junk + "\n" + zeros + "\nchar id=65" + blanks + "x=5 y" + zeros +
-                                "=9 " + junk + " width=6 =7 = \n\r\n\n \n" + junk);
+    const Charset font = ParsedFont(junk + "\n" + zeros + "\nchar id=65" + blanks + "x=5 y" +
+                                    zeros + "=9 " + junk + " width=6 =7 = \n\r\n\n \n" + junk);
     EXPECT_EQ(Of(font.chars[65]), (Numbers{5, 0, 6, 0, 0, 0, 0, 0}));
     ExpectZeroBut(font, {65});
-    Parsed("");
+    ParsedFont("");
     std::istringstream ended("char id=65 x=1");
     ended.setstate(std::ios::eofbit);
     Charset empty;
@@ -217,8 +220,7 @@ TEST(FontText, IsUtf8AndElseLatin1) {
     font.RenderText(0, 0, 0xFFFFFFFF, "A"); // there is no device
 }
 
-constexpr int Width = 320, Height = 240, Side = 16;
-constexpr std::uint32_t Ground = 0xFF203040;
+constexpr int Side = 16;
 
 class FontDevice : public Tests::RecorderTest {};
 
@@ -260,7 +262,7 @@ TEST_F(FontDevice, TakesItsTextureFromTheStore) {
 class FontPicture : public Tests::PictureTest {
 protected:
     FontPicture() {
-        Open(Width, Height);
+        Open(SmallWidth, SmallHeight);
         folder.File("data/img/noise.tga", Tests::Tga(Side, Side, texels.pixels));
         textures.Load("noise.tga");
         font.mTexture = textures.Get("noise.tga");
@@ -302,14 +304,15 @@ protected:
         left += static_cast<std::int16_t>(c.xoffset), top += static_cast<std::int16_t>(c.yoffset);
         for (int y = 0; y < c.height; ++y)
             for (int x = 0; x < c.width; ++x)
-                if (left + x >= 0 && left + x < Width && top + y >= 0 && top + y < Height) {
+                if (left + x >= 0 && left + x < SmallWidth && top + y >= 0 &&
+                    top + y < SmallHeight) {
                     std::uint32_t& pixel = picture.At(left + x, top + y);
                     pixel = Blend(pixel, texels.At(c.x + x, c.y + y), color);
                 }
     }
     Image Expected(int x, int y, std::uint32_t color, const std::string& text,
                    Vorn::BM_ALIGN align = Vorn::BM_ALIGN_LEFT) const {
-        Image picture(Width, Height, Ground);
+        Image picture(SmallWidth, SmallHeight, Ground);
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line); y += font.lineHeight) {
             int width = 0;
@@ -333,7 +336,7 @@ protected:
         action();
         draws = VornPlatform::CountFrame().draws - before;
         graphic.EndScene();
-        Image picture(Width, Height, 0);
+        Image picture(SmallWidth, SmallHeight, 0);
         picture.pixels = Picture();
         return picture;
     }
@@ -356,7 +359,7 @@ TEST_F(FontPicture, LaysEachTexelOnItsPixelInOneDraw) {
         std::string text = "A";
         for (int length = dice(40); length > 0; --length)
             text += dice(8) == 0 ? '\n' : dice(8) == 0 ? ' ' : static_cast<char>('A' + dice(26));
-        const int x = dice(Width + 40) - 20, y = dice(Height + 40) - 20;
+        const int x = dice(SmallWidth + 40) - 20, y = dice(SmallHeight + 40) - 20;
         const Image picture = DrawText(static_cast<float>(x), static_cast<float>(y), 0xFFFFFFFF,
                                        text.c_str(), aligns[i % 3]);
         ASSERT_TRUE(Tests::Same(picture, Expected(x, y, 0xFFFFFFFF, text, aligns[i % 3]))) << text;
@@ -434,7 +437,8 @@ TEST_F(FontPicture, WhatCannotShowDrawsNothing) {
                     infinite = std::numeric_limits<float>::infinity(),
                     huge = std::numeric_limits<float>::max();
     const auto nothing = [&](float x, float y, const char* text) {
-        return Tests::Same(DrawText(x, y, 0xFFFFFFFF, text), Image(Width, Height, Ground));
+        return Tests::Same(DrawText(x, y, 0xFFFFFFFF, text),
+                           Image(SmallWidth, SmallHeight, Ground));
     };
     for (const char* text :
          {static_cast<const char*>(nullptr), "", "  \n ", "\xE2\x82\xAC", "abc"}) {

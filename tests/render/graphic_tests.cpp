@@ -15,6 +15,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::StartsWith;
+using Tests::operator+;
 using Tests::Text;
 using Tests::Texts;
 using Vorn::COLORS;
@@ -53,11 +54,6 @@ const Texts Quad = {"CreateVertexBuffer 96 0 322 1", "Lock 0 96 0", "Unlock",
                     "CreateIndexBuffer 24 8 102 0",  "Lock 0 24 0", "Unlock"};
 const std::string Light = "SetLight 1 1 1 1 1 0 0 0 0 0 0 0 0 0 ";
 const std::string LightEnd = " 0 0 0 200 0 0.1 0 0 0 0";
-
-Texts operator+(Texts a, const Texts& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 /// `calls` begins with `expected`, arguments beyond the named ones aside; it may go on.
 void ExpectBegins(const Texts& calls, const Texts& expected) {
     ASSERT_GE(calls.size(), expected.size()) << testing::PrintToString(calls);

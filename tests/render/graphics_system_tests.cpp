@@ -16,6 +16,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::StartsWith;
+using Tests::operator+;
 using Tests::Texts;
 using Vorn::COLORS;
 using Vorn::Entity;
@@ -25,10 +26,6 @@ using Vorn::Mesh;
 using Vorn::Vector3;
 using VornPlatform::ObjectName;
 
-Texts operator+(Texts a, const Texts& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 const Texts Prologue = {"SetTextureStageState 0 24 2", "SetRenderState 27 0", "SetRenderState 7 1",
                         "SetRenderState 14 1", "SetRenderState 23 2"};
 const Texts Format = {"SetFVF 82"};

@@ -9,12 +9,13 @@
 
 namespace {
 
+using Tests::Ground;
 using Tests::Pixels;
 using Vorn::COLORS;
 using Vorn::Matrix4;
 using Vorn::Vector3;
 
-constexpr std::uint32_t Ground = 0xFF203040, White = 0xFFFFFFFF;
+constexpr std::uint32_t White = 0xFFFFFFFF;
 constexpr int Width = 800, Height = 600;
 
 /// The edges of what differs from the ground.

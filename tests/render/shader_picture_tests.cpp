@@ -23,15 +23,15 @@ using Exact::Unit;
 using Exact::Vec;
 using RenderTests::KnownShaders;
 using RenderTests::WriteShaders;
+using Tests::Ground;
 using Tests::Hex;
 using Tests::Pixels;
+using Tests::SmallHeight;
+using Tests::SmallWidth;
 using Vorn::Matrix4;
 using Vorn::Mesh;
 using Vorn::Vector3;
 using Vorn::Vertex_UTx;
-
-constexpr int Width = 320, Height = 240;
-constexpr std::uint32_t Ground = 0xFF203040;
 
 /// Red, green, blue, alpha, from 0 to 1.
 Vec Color(std::uint32_t argb) {
@@ -56,7 +56,7 @@ double Away(std::uint32_t pixel, const Vec& color) {
 
 /// Where in a triangle of clip space a pixel lies: what its corners count, in perspective.
 Vec Shares(const std::array<Vec, 3>& clip, int x, int y) {
-    const double px = 2.0 * x / Width - 1, py = 1 - 2.0 * y / Height;
+    const double px = 2.0 * x / SmallWidth - 1, py = 1 - 2.0 * y / SmallHeight;
     std::array<Vec, 3> row; // of each corner how far it is from the ray through the pixel
     for (std::size_t i = 0; i < 3; ++i)
         row[i] = {clip[i].x - px * clip[i].w, clip[i].y - py * clip[i].w, 0};
@@ -85,7 +85,7 @@ protected:
         graphic.CameraPos(Vector3());
     }
     void Start() {
-        Open(Width, Height);
+        Open(SmallWidth, SmallHeight);
         folder.File("data/img/image", Tests::Tga(48, 40, image.pixels));
         folder.File("data/img/shades", Tests::Tga(4, 4, shades.pixels));
         textures.Load("image"), textures.Load("shades");
@@ -119,16 +119,16 @@ protected:
         graphic.BeginScene();
         action();
         graphic.EndScene();
-        Tests::Picture picture(Width, Height, 0);
+        Tests::Picture picture(SmallWidth, SmallHeight, 0);
         picture.pixels = PictureTest::Picture();
-        EXPECT_EQ(picture.pixels.size(), std::size_t{Width} * Height);
-        picture.pixels.resize(std::size_t{Width} * Height);
+        EXPECT_EQ(picture.pixels.size(), std::size_t{SmallWidth} * SmallHeight);
+        picture.pixels.resize(std::size_t{SmallWidth} * SmallHeight);
         return picture;
     }
     /// One texel to a pixel from (left, top) on, in pixels of the screen.
     void Flat() {
         view = Matrix4::Identity;
-        projection = Matrix4::orthogonal(Width, Height, 0, 1);
+        projection = Matrix4::orthogonal(SmallWidth, SmallHeight, 0, 1);
     }
     static Matrix4 Place(int left, int top, int width, int height) {
         const auto f = [](double d) { return static_cast<float>(d); };
@@ -141,8 +141,8 @@ protected:
     void ExpectMesh(const Tests::Picture& picture, const std::vector<Vec>& places, double tolerance,
                     const Shade& shade) {
         std::array<int, 2> seen = {};
-        for (int y = 0; y < Height; y += 3)
-            for (int x = 0; x < Width; x += 5) {
+        for (int y = 0; y < SmallHeight; y += 3)
+            for (int x = 0; x < SmallWidth; x += 5) {
                 bool edge = false;
                 std::optional<Vec> color = Color(Ground);
                 bool inside = false;
@@ -171,7 +171,8 @@ protected:
     }
     void ExpectExactImage() {
         Flat();
-        Tests::Picture expected(Width, Height, Ground), white(Width, Height, Ground);
+        Tests::Picture expected(SmallWidth, SmallHeight, Ground),
+            white(SmallWidth, SmallHeight, Ground);
         for (int y = 0; y < image.height; ++y)
             for (int x = 0; x < image.width; ++x)
                 if (image.At(x, y) >> 24 >= 8) // else the alpha test takes it out
@@ -313,7 +314,7 @@ TEST_F(ShaderPicture, AModulatedImageMixesByItsAlpha) {
             ++drawn;
         }
     EXPECT_GT(drawn, 1800);
-    EXPECT_GE(picture.Count(Ground), Width * Height - 48 * 40);
+    EXPECT_GE(picture.Count(Ground), SmallWidth * SmallHeight - 48 * 40);
 }
 
 TEST_F(ShaderPicture, AnUnlitMeshShowsItsTextureInPerspective) {

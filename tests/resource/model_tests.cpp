@@ -290,26 +290,6 @@ TEST_F(Models, TracksBeyondTheBonesAreReadOverAndMissingOnesLeaveNoKeys) {
     Vorn::UpdateSkeleton(1, Read(model.File()));
 }
 
-TEST_F(Models, BytesTurnedAtRandomDoNoHarm) {
-    Random random(59);
-    Model model = RandomModel(random, 1);
-    AddSkeleton(random, model, 4, 1, 4);
-    const std::string file = model.File();
-    for (int i = 0; i < 500; ++i) {
-        std::string broken =
-            file.substr(0, static_cast<std::size_t>(
-                               random.Int(1, 4) == 1 ? random.Int(0, static_cast<int>(file.size()))
-                                                     : static_cast<int>(file.size())));
-        for (int n = random.Int(1, 6); n > 0 && !broken.empty(); --n)
-            broken[static_cast<std::size_t>(random.Int(0, static_cast<int>(broken.size()) - 1))] =
-                static_cast<char>(random.Int(0, 255));
-        Mesh& mesh = Read(broken);
-        ASSERT_EQ(mesh.mBones.size(), mesh.mBoneCount);
-        for (int step = 0; step < 4; ++step)
-            Vorn::UpdateSkeleton(0.4f, mesh);
-    }
-}
-
 TEST_F(Models, OfAFileThatIsMissingAreEmptyAndTheNextOneIsRead) {
     Random random(60);
     const Model model = RandomModel(random, 1);

@@ -3,6 +3,7 @@
 // Two scenes that share their entities, driven by random orders, also in the middle of whatever
 // they do, beside the same with plain lists.
 #include "scene_world.hpp"
+#include "tests/support/rounds.hpp"
 
 #include <array>
 #include <deque>
@@ -205,7 +206,7 @@ TEST_F(SceneTwin, RandomOrdersGiveTheSameEventsListsAndNames) {
     World<Vorn::Scene> real;
     World<PlainScene> plain;
     std::size_t length = 0;
-    for (std::size_t step = 0; step < 20'000 && !HasFatalFailure(); ++step) {
+    for (std::size_t step = 0; step < Tests::Rounds(20'000) && !HasFatalFailure(); ++step) {
         SCOPED_TRACE(step);
         Script script;
         for (std::size_t count = below(20); count > 0; --count) {
@@ -224,7 +225,7 @@ TEST_F(SceneTwin, RandomOrdersGiveTheSameEventsListsAndNames) {
             plain.Renew(step % 2);
         }
     }
-    EXPECT_GT(length, 1'000'000u); // the worlds were not empty
+    EXPECT_GT(length, Tests::Rounds(1'000'000)); // the worlds were not empty
 }
 
 } // namespace

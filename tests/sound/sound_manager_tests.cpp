@@ -19,7 +19,7 @@ using namespace Tests;
 using Vorn::SoundType;
 using VornPlatform::RenderAudio;
 
-constexpr int Fade = 2'048;
+constexpr int FadeFrames = 2'048;
 
 /// Files "a" to "e", each of a pitch of its own, longer than any test listens.
 class SoundManagerTest : public testing::Test {
@@ -43,7 +43,7 @@ protected:
     static std::string Path(const std::string& entry) { return "data/audio/" + entry; }
     /// What is heard now: one letter for each pitch.
     static std::string Heard() {
-        RenderAudio(Fade);
+        RenderAudio(FadeFrames);
         const std::vector<float> samples = Side(RenderAudio(4'800));
         std::string heard;
         for (std::size_t i = 0; i < std::size(pitches); ++i)
@@ -52,7 +52,7 @@ protected:
         return heard;
     }
     static double Loudness0(double pitch) {
-        RenderAudio(Fade);
+        RenderAudio(FadeFrames);
         return Loudness(Side(RenderAudio(4'800)), pitch);
     }
     int Create(const std::string& entry) { return sound->CreateSound(Path(entry)); }

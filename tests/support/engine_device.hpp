@@ -24,6 +24,15 @@ namespace Tests {
 using Texts = std::vector<std::string>;
 using Pixels = std::vector<std::uint32_t>;
 
+inline Texts operator+(Texts a, const Texts& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+/// A small window for pictures, and a colour to clear it to that nothing else has.
+constexpr int SmallWidth = 320, SmallHeight = 240;
+constexpr std::uint32_t Ground = 0xFF203040;
+
 /// The little-endian bytes of numbers and records.
 template <typename... T>
 std::string Raw(const T&... values) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/rounds.hpp"
 #include "tests/tools/import_fixture.hpp"
 #include "tests/tools/strip.hpp"
 
@@ -249,10 +250,10 @@ TEST_F(FileImport, BearsBrokenFilesAndLeavesNothingHalfWritten) {
             check(name, bytes.substr(0, bytes.size() * i / cuts));
         }
         std::uint32_t chance = 1;
-        for (int i = 0; i < 7; ++i) {
+        for (unsigned int i = 0; i < Tests::Rounds(8); ++i) {
             SCOPED_TRACE(name + " changed, " + std::to_string(i));
             std::string changed = bytes;
-            for (int flips = 0; flips <= i / 3; ++flips) {
+            for (unsigned int flips = 0; flips <= i / 3; ++flips) {
                 chance = chance * 1664525 + 1013904223;
                 changed[chance % changed.size()] ^= static_cast<char>(1 << (chance >> 29));
             }

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+//
+// A frame of the game: three targets one after the other, then the screen.
+#include "samples/game/game.hpp"
+
+#include <algorithm>
+
+namespace Lantern {
+
+using namespace Vorn;
+
+namespace {
+
+constexpr D3DCOLOR Black = D3DCOLOR_XRGB(0, 0, 0), Deep = D3DCOLOR_XRGB(2, 7, 16);
+constexpr COLORS GraphColor{D3DCOLOR_XRGB(120, 230, 200)};
+
+} // namespace
+
+void Game::Draw() {
+    mProfiler.StartClock(PROFILE_GRAPHICS);
+    const float dt = mState == State::Paused ? 0.0f : mFrame;
+    mCamera.Update(dt);
+    mGraphic.CameraPos(mCamera.Position());
+    // The lamp is all the light there is; on the title, a light goes round.
+    mGraphic.SetPointLightPosition(mState == State::Title
+                                       ? mLookAt + Vector3(0, 0, -5.0f)
+                                       : TheDive().place + Vector3(0, 0.4f, -2.2f));
+    drawBeams(dt);
+    drawScene(dt);
+    drawParticles();
+    drawScreen();
+    mProfiler.EndClock(PROFILE_GRAPHICS);
+}
+
+void Game::drawBeams(float dt) {
+    mGraphic.RTBeamBegin();
+    mGraphic.SetBackBufferColor(Black);
+    // The pulse shows the ground as a grid.
+    const Texture* glow = TextureManager::Instance()->Get("glow.png");
+    if (TheDive().waveTime > 0.0f && mSeabed.GetMesh()) {
+        Matrix4 place(5.5f, 0, 0, 0, 0, 0.006f, 0, 0.5f, 0, 0, 3.0f, 8.0f, 0, 0, 0, 1);
+        mGraphic.SetWorldTransform(place.Transposed());
+        mGraphic.SetTexture(*glow->mTexture);
+        mSeabed.Draw();
+        mGraphic.SetWireFrame(false);
+    }
+    mGraphic.SetTexture(*glow->mTexture); // skinned models draw with what is bound
+    GraphicsSystem::Instance()->BeamEffects(dt);
+    mGraphic.RTBeamEnd();
+}
+
+void Game::drawScene(float dt) {
+    mGraphic.RTBegin();
+    mGraphic.SetBackBufferColor(Deep);
+    mDisplay.DrawBackdrop();
+    GraphicsSystem::Instance()->Update(dt);
+    mGraphic.RTEnd();
+}
+
+void Game::drawParticles() {
+    mGraphic.RTParticlesBegin();
+    mGraphic.SetBackBufferColor(Black);
+    Graphics2DSystem::Instance()->RenderParticle();
+    mGraphic.RTParticlesEnd();
+}
+
+void Game::drawScreen() {
+    const Dive& dive = TheDive();
+    const Point2 wave = mCamera.WorldToScreen(dive.waveFrom);
+    const Point2 cross = mCamera.WorldToScreen(dive.aim);
+    mGraphic.SetView(Matrix4::Identity);
+    mGraphic.SetProjection(Matrix4::orthogonal(800, 600, -1.0f, 1.0f));
+    mGraphic.SetBackBufferColor(Black);
+    mGraphic.BeginScene();
+    Graphic::GetDevice()->SetRenderState(D3DRS_ZENABLE, FALSE); // all of it is flat
+    mGraphic.DistortionEffect(wave, dive.waveTime > 0.0f);
+    if (mState == State::Title)
+        mDisplay.DrawTitle(mTime, mBest);
+    else
+        mDisplay.DrawDive(dive, cross, mLevels[mLevelIndex].name);
+    if (mState == State::Paused)
+        mDisplay.DrawPaused();
+    else if (mState == State::Dark || mState == State::Done)
+        mDisplay.DrawEnd(mState == State::Done, dive.score, mBest, mTime);
+    mProfiler.Output(PROFILE_PHYSICS, GraphColor, 552.0f, 8.0f);
+    mProfiler.Output(PROFILE_GRAPHICS, GraphColor, 576.0f, 8.0f);
+    mGraphic.EndScene();
+}
+
+} // namespace Lantern

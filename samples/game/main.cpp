@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+//
+// Lantern, a small game: see README.md beside this file.
+#include "samples/game/game.hpp"
+#include "samples/game/session.hpp"
+
+#include "platform/control/vorn_platform.hpp"
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The game reads what lies in its own folder, which may be below the current one.
+void EnterFolder() {
+    const fs::path below = "samples/game";
+    if (!fs::exists("data/shallows.scene") && fs::exists(below / "data/shallows.scene"))
+        fs::current_path(below);
+}
+
+/// False where nobody could see it.
+bool Live() {
+    Lantern::Game game(800, 600, Lantern::ScoreFile::UsualPath());
+    if (!VornPlatform::HasDisplay())
+        return false;
+    while (game.Running()) {
+        for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
+            TranslateMessage(&message);
+            DispatchMessageA(&message);
+        }
+        game.Update();
+        game.Draw();
+        Vorn::Graphic::Instance()->Present();
+        game.log.clear();
+        Sleep(2);
+    }
+    return true;
+}
+
+int Usage() {
+    std::fprintf(stderr,
+                 "game                        plays; without a display, the recorded session\n"
+                 "game --record FILE FRAMES   lets the pilot play and records it\n"
+                 "game --play FILE [FOLDER]   plays a recording; pictures, sound and log\n"
+                 "game --soak FRAMES [SEED]   random input, small pictures\n");
+    return 2;
+}
+
+int Run(const std::vector<std::string>& words) {
+    const std::string verb = words.empty() ? "" : words[0];
+    // Paths that are told are the caller's.
+    const auto path = [&words](std::size_t i) { return fs::absolute(words.at(i)).string(); };
+    const auto number = [&words](std::size_t i) { return std::stoi(words.at(i)); };
+    const bool longer = words.size() == 3;
+    if (verb == "--record" && longer) {
+        const std::string file = path(1);
+        EnterFolder();
+        Lantern::RecordSession(file, number(2));
+    } else if (verb == "--play" && (longer || words.size() == 2)) {
+        const std::string file = path(1), folder = longer ? path(2) : "";
+        EnterFolder();
+        Lantern::PlaySession(file, folder);
+    } else if (verb == "--soak" && (longer || words.size() == 2)) {
+        EnterFolder();
+        Lantern::Soak(number(1), longer ? static_cast<unsigned int>(number(2)) : 1u);
+    } else if (!words.empty())
+        return Usage();
+    else {
+        EnterFolder();
+        if (!Live())
+            Lantern::PlaySession("session.input", (fs::temp_directory_path() / "lantern").string());
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run({argv + 1, argv + argc});
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "game: %s\n", error.what());
+        return 1;
+    }
+}
