@@ -342,6 +342,7 @@ void Game::moveCamera(float dt) {
     mCamera.SetRotationDeg(90.0f, 3.0f, CameraAway);
     if (TheDive().hurt > 0.97f)
         mCamera.cameraShakeBegin(0.4f, 0.003f);
+    mCamera.Update(dt);
 }
 
 std::uint64_t Game::Hash() const {

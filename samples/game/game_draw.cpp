@@ -19,7 +19,9 @@ constexpr COLORS GraphColor{D3DCOLOR_XRGB(120, 230, 200)};
 void Game::Draw() {
     mProfiler.StartClock(PROFILE_GRAPHICS);
     const float dt = mState == State::Paused ? 0.0f : mFrame;
-    mCamera.Update(dt);
+    // Update has moved the camera: drawing or not, the game goes the same way.
+    mGraphic.SetView(mCamera.viewMatrix());
+    mGraphic.SetProjection(mCamera.Projection());
     mGraphic.CameraPos(mCamera.Position());
     // The lamp is all the light there is; on the title, a light goes round.
     mGraphic.SetPointLightPosition(mState == State::Title
