@@ -183,6 +183,9 @@ std::vector<std::uint32_t> ReadPixels(IDirect3DSurface9* surface);
 
 // Sound.
 
+/// Whether the machine has a device that sounds, asked anew in each call; without one, what is
+/// played goes on in silence.
+bool HasAudio();
 /// Systems of sound that start from now on play into memory, `rate` frames a second, and not on the
 /// machine; 0: on the machine again.
 void UseAudioLoopback(int rate);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace VornPlatform {
 
@@ -99,6 +100,17 @@ std::vector<float> AudioOutput::Render(int frames) {
     samples.resize(static_cast<std::size_t>(frames) * 2);
     alcRenderSamplesSOFT(mDevice, samples.data(), frames);
     return samples;
+}
+
+bool HasAudio() {
+    ALCdevice* device = alcOpenDevice(nullptr);
+    if (!device)
+        return false;
+    // OpenAL's own name of what nobody hears.
+    const std::string_view name = alcGetString(device, ALC_DEVICE_SPECIFIER);
+    const bool sounds = name != "No Output";
+    alcCloseDevice(device);
+    return sounds;
 }
 
 void UseAudioLoopback(int rate) {

@@ -271,7 +271,7 @@ int main(int argc, char** argv) {
     }
     try {
         Player player; // its window tells whether somebody is there; sound comes up with Load
-        if (argc == 1 && VornPlatform::HasDisplay()) {
+        if (argc == 1 && VornPlatform::HasDisplay() && VornPlatform::HasAudio()) {
             player.Load();
             Show(player);
             return 0;

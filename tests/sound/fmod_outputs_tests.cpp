@@ -57,6 +57,10 @@ bool Plays(FMOD::Channel* channel) {
     return plays;
 }
 
+TEST(FmodInSilence, TheMachineSaysSo) {
+    EXPECT_FALSE(VornPlatform::HasAudio());
+}
+
 TEST(FmodInSilence, TimeGoesOn) {
     const TempFolder folder;
     const SystemPtr system = Start();
