@@ -330,6 +330,22 @@ TEST_F(ShaderTest, TheFixedPixelStageTakesAVertexShadersColorAndCoordinatesAsFar
 
 // --- pixels
 
+TEST_F(ShaderTest, ColorsHaveBoundsBetweenTheStagesBelowTheThirdModel) {
+    for (const DWORD version : {0xfffe0101u, 0xfffe0200u, 0xfffe0300u}) {
+        ShaderCode vertex = VertexCode(
+            "vec3 at; vec4 to; vec4 c; vec4 t;"
+            "void shader_main() { to = vec4(at, 1.0); c = vec4(4); t = vec4(2); }",
+            {{"c", "vec4", D3DDECLUSAGE_COLOR, 0}, {"t", "vec4", D3DDECLUSAGE_TEXCOORD, 0}});
+        vertex.version = version;
+        Use(vertex,
+            PixelCode(
+                "vec4 c; vec4 t; void shader_main() { color = vec4(c.x / 4.0, t.x / 2.0, 0, 1); }",
+                {{"c", "vec4", D3DDECLUSAGE_COLOR, 0}, {"t", "vec4", D3DDECLUSAGE_TEXCOORD, 0}}));
+        Cover();
+        EXPECT_LE(Distance(Pixel(), Packed(version == 0xfffe0300 ? 255 : 64, 255, 0)), 1);
+    }
+}
+
 TEST_F(ShaderTest, AlphaTestHoldsForShadersToo) {
     Use(PassThrough(), WithBlock(Plain("vec4(1, 0, 0, g.alpha)"), "float alpha;", 16, {{0, 0, 1}}));
     Set(D3DRS_ALPHATESTENABLE, TRUE);

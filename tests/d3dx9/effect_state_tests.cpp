@@ -96,7 +96,7 @@ TEST_F(EffectStageTest, VerticesAreReadByUsage) {
         quad.push_back({{2, 7, 0, 255},
                         0x80ff4000,
                         .5f,
-                        {.1f, .2f, .3f, 0},
+                        {.1f, .2f, 0, .3f},
                         {0, .4f, 0},
                         {c.x, c.y},
                         0x00003366});
@@ -108,10 +108,10 @@ TEST_F(EffectStageTest, VerticesAreReadByUsage) {
 float Table[256]; float4x4 Bones[8];
 struct In { float4 p : POSITION; float4 tint : COLOR1; float4 w : BLENDWEIGHT; float4 none : TEXCOORD6; )") +
                                                  type + R"( b : BLENDINDICES;
-    float4 c : COLOR0; float3 bi : BINORMAL; float3 ta : TANGENT0; };
+    float4 c : COLOR0; float3 bi : BINORMAL; float4 ta : TANGENT0; };
 void V(In i, out float4 p : POSITION, out float4 c : COLOR0, out float4 more : TEXCOORD0) {
     p = mul(i.p, Bones[i.b.x]) * i.w.x + mul(i.p, Bones[i.b[1]]) * (1 - i.w.x); c = i.c;
-    more = float4(i.tint.b, i.b.w / 255.0 - Table[i.b.w], i.w.y + i.w.w * 0.25 + i.bi.y, i.ta.z + i.none.x);
+    more = float4(i.tint.b, i.b.w / 255.0 - Table[i.b.w], i.w.y + i.w.w * 0.25 + i.bi.y, i.ta.w + i.none.x);
 }
 float4 P(float4 c : COLOR0, float4 more : TEXCOORD0) : COLOR { return c * 0.5 + more * 0.5; })" +
                                                  Pass(compiled, compiledPixels));
@@ -191,6 +191,7 @@ void V(float4 p : POSITION, float2 t : TEXCOORD0, out float4 op : POSITION, out 
 float4 P(float4 c : COLOR0) : COLOR { return c * 0.25 + 0.25; })";
     RenderText(text + Pass("compile vs_2_0 V()", "compile ps_2_0 P()"));
     ExpectPixel(15, 15, {.5, .25, .25 + 31 / 128., .25 + 31 / 128.}, .03);
+    ExpectPixel(8, 8, {.5, .25, .25 + 17 / 128., .25 + 17 / 128.}, .03); // at their vertices
     RenderText(text + Pass(compiled, compiledPixels));
     ExpectPixel(0, 0, {1, 0, .25 - 30 / 128., .25 - 30 / 128.}, .03);
 }
