@@ -248,6 +248,7 @@ private:
     void releaseShaders();
     void releaseTargets();
     bool resetDevice();
+    void beginQuad(ID3DXEffect& effect);
     void drawQuad();
     void drawMesh(const Mesh& mesh);
     void setColors(ID3DXEffect& effect, unsigned int modulation, unsigned int additive);

@@ -71,6 +71,16 @@ void RunPasses(ID3DXEffect& effect, const Draw& draw) {
 
 } // namespace
 
+// The unit square, with the technique that most effects have.
+void Graphic::beginQuad(ID3DXEffect& effect) {
+    SetTransparent();
+    SetTechnique(effect, "TransformTech");
+    m3DDevice->SetFVF(ImageFormat);
+    m3DDevice->SetVertexDeclaration(mDecl2D);
+    m3DDevice->SetStreamSource(0, mQuadVB, 0, sizeof(VERTEX_2D));
+    m3DDevice->SetIndices(mQuadIB);
+}
+
 void Graphic::drawQuad() {
     Draw(4, 2);
 }
@@ -83,12 +93,7 @@ void Graphic::DrawTwoD(D3DXMATRIX world, IDirect3DTexture9* texture) {
     if (!LiveDevice() || !mEffectTwoD)
         return;
     ID3DXEffect& effect = *mEffectTwoD;
-    SetTransparent();
-    SetTechnique(effect, "TransformTech");
-    m3DDevice->SetFVF(ImageFormat);
-    m3DDevice->SetVertexDeclaration(mDecl2D);
-    m3DDevice->SetStreamSource(0, mQuadVB, 0, sizeof(VERTEX_2D));
-    m3DDevice->SetIndices(mQuadIB);
+    beginQuad(effect);
 
     SetTransforms(*m3DDevice, effect, world);
     effect.SetTexture("ModelTexture", orWhite(texture));
@@ -130,12 +135,7 @@ void Graphic::DistortionEffect(Point2 center, bool distortion) {
     if (!LiveDevice() || !mEffectDistortion)
         return;
     ID3DXEffect& effect = *mEffectDistortion;
-    SetTransparent();
-    SetTechnique(effect, "TransformTech");
-    m3DDevice->SetFVF(ImageFormat);
-    m3DDevice->SetVertexDeclaration(mDecl2D);
-    m3DDevice->SetStreamSource(0, mQuadVB, 0, sizeof(VERTEX_2D));
-    m3DDevice->SetIndices(mQuadIB);
+    beginQuad(effect);
 
     // The unit square from (0, 0) to (800, 600), whatever the size of the back buffer.
     const D3DXMATRIX world = Matrix4(800, 0, 0, 400, 0, 600, 0, 300, 0, 0, 0, 0, 0, 0, 0, 1);
