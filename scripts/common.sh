@@ -5,12 +5,18 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 say() { printf '\033[1m== %s\033[0m\n' "$*"; }
 
 # What the project needs to be built and tested, all of Debian 12.
-build_packages=(g++ cmake ninja-build pkg-config libjsoncpp-dev libsdl2-dev
+library_packages=(g++ cmake ninja-build pkg-config libjsoncpp-dev libsdl2-dev
   libepoxy-dev libegl1 libgl1-mesa-dri libfreetype-dev libfontconfig-dev fonts-liberation libstb-dev
-  libopenal-dev libsndfile1-dev
+  libopenal-dev libsndfile1-dev libimgui-dev
   glslang-dev glslang-tools spirv-tools libspirv-cross-c-shared-dev libassimp-dev libmeshoptimizer-dev libcli11-dev libfmt-dev
-  assimp-testmodels libgtest-dev libgmock-dev libbenchmark-dev libbullet-dev xvfb xauth xdotool weston)
+  dpkg-dev file)
+build_packages=("${library_packages[@]}"
+  assimp-testmodels libvalijson-dev libgtest-dev libgmock-dev libbenchmark-dev libbullet-dev xvfb xauth xdotool weston)
 check_packages=(clang clang-format libclang-rt-14-dev)
+
+as_root() {
+  if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
 
 # need PACKAGE...: installs those that are not there yet.
 need() {
@@ -20,10 +26,8 @@ need() {
   done
   [ ${#missing[@]} -eq 0 ] && return
   say "Installing ${missing[*]}"
-  local as_root=()
-  [ "$(id -u)" = 0 ] || as_root=(sudo)
-  "${as_root[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
 # build PRESET [cmake --build arguments...]

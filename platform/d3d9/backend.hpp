@@ -13,6 +13,7 @@
 // 0 to 1. Textures and buffers go before their backend.
 #pragma once
 
+#include "platform/d3d9/shader_code.hpp"
 #include "platform/d3d9/state.hpp"
 
 #include <d3d9.h>
@@ -73,6 +74,10 @@ public:
     /// Null if the machine has no more memory.
     virtual std::unique_ptr<GpuTexture> CreateTexture(const TextureDesc&) = 0;
     virtual std::unique_ptr<GpuBuffer> CreateBuffer(BufferKind, UINT size) = 0;
+
+    /// Whether the machine compiles the shader. What it refuses only with another stage draws
+    /// nothing.
+    virtual bool Takes(const ShaderCode&) { return true; }
 
     /// The rectangle is cut to the viewport already; no state of `State` has a say.
     virtual void Clear(const Target&, const RECT&, DWORD flags, D3DCOLOR, float z) = 0;

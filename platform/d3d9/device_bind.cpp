@@ -144,6 +144,7 @@ void Device::finishMips() {
         return;
     mMipsAreOld = false;
     mTarget->Gpu()->GenerateMips();
+    mChanged |= Changed::Samplers; // a stage that has the target may sample them
 }
 
 HRESULT Device::SetRenderTarget(DWORD index, IDirect3DSurface9* surface) {

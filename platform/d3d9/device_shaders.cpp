@@ -34,6 +34,8 @@ HRESULT Device::makeShader(ShaderStage stage, std::shared_ptr<const ShaderCode> 
     return Guarded([&]() -> HRESULT {
         if (const HRESULT error = creationError(D3DPOOL_MANAGED); FAILED(error))
             return error;
+        if (!mBackend->Takes(*code))
+            return D3DERR_INVALIDCALL;
         auto* made = new Object(*this, TheOne(std::move(code)));
         made->Hold();
         *out = made;

@@ -15,6 +15,7 @@
 //   [X] listing of a directory
 //   [X] window, cursor, messages
 //   [X] keys and mouse
+//   [X] a message that waits for its button, a file that the desktop opens
 #ifndef VORN_PLATFORM_WINDOWS_H
 #define VORN_PLATFORM_WINDOWS_H
 #pragma GCC system_header
@@ -494,6 +495,21 @@ SHORT GetKeyState(int vk);
 /// Screen pixels. Where the desktop does not tell, the place in the window that the mouse was last
 /// seen at.
 BOOL GetCursorPos(LPPOINT);
+
+#define MB_OK 0x0
+#define MB_ICONERROR 0x10
+#define MB_ICONWARNING 0x30
+#define MB_ICONINFORMATION 0x40
+#define IDOK 1
+/// Shows a text and waits until it was read: IDOK. Whatever the type says, OK is the one button.
+/// Messages of the host's windows wait meanwhile. 0, at once, where nobody could read it: without a
+/// display, and where the desktop refuses.
+int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
+/// Opens a file or an address with the desktop's program for it, by "open" or null, and does not
+/// wait for that. A number above 32, or 31 for all that does not come about, at once without a
+/// display.
+HINSTANCE ShellExecuteA(HWND owner, LPCSTR operation, LPCSTR file, LPCSTR parameters,
+                        LPCSTR directory, INT show);
 
 #pragma GCC visibility pop
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/win32/clock.hpp"
+#include "platform/control/vorn_clock.hpp"
 #include "platform/control/vorn_platform.hpp"
 #include "platform/window/input_state.hpp"
 
@@ -62,6 +63,12 @@ void ContinueCounter(std::int64_t counts) {
 
 void HoldClock(std::int64_t counts) {
     heldCounts = counts;
+}
+
+void ResumeClock() {
+    if (heldCounts)
+        ContinueCounter(*heldCounts);
+    heldCounts.reset();
 }
 
 void ReleaseClock() {

@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <filesystem>
+#include <string>
+#include <system_error>
 
 namespace VornPlatform {
 
@@ -69,6 +72,20 @@ void Leave(DWORD index) {
 }
 
 } // namespace
+
+void ReadPadMappings() {
+    const auto read = [](const std::string& folder) {
+        const std::string path = folder + "gamecontrollerdb.txt";
+        std::error_code error;
+        if (std::filesystem::is_regular_file(path, error)) // SDL takes a folder for an endless file
+            SDL_GameControllerAddMappingsFromFile(path.c_str());
+    };
+    if (char* folder = SDL_GetBasePath()) {
+        read(folder);
+        SDL_free(folder);
+    }
+    read("");
+}
 
 void SeatPads() {
     if (!PadsRun())

@@ -8,6 +8,10 @@
 
 namespace VornPlatform {
 
+/// Which pad has its buttons where, beyond what SDL knows by itself: gamecontrollerdb.txt in the
+/// folder of the program and in the current one, whose lines count above those. Files that are not
+/// there and lines that are none are passed over. Once SDL's pads run.
+void ReadPadMappings();
 /// Sees who came and went, and brings the answers of the slots up to date. Nothing without pads.
 void UpdatePads();
 /// Sees who came and went; the answers stay but for those.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/pump.hpp"
+#include "platform/control/vorn_overlay.hpp"
 #include "platform/window/held_keys.hpp"
 #include "platform/window/input_state.hpp"
 #include "platform/window/message_queue.hpp"
@@ -160,13 +161,14 @@ void OnLiveInput(const SDL_Event& event) {
 }
 
 void OnEvent(const SDL_Event& event) {
+    const bool kept = GetOverlay() && GetOverlay()->OnEvent(event);
     if (event.type == SDL_QUIT) {
         for (HWND window : LiveWindows())
             OnClose(window);
     } else if (event.type == SDL_WINDOWEVENT) {
         if (HWND__* window = WindowOfSdl(event.window.windowID))
             OnWindowEvent(*window, event.window);
-    } else if (!Source()) {
+    } else if (!Source() && !kept) {
         OnLiveInput(event);
     }
 }

@@ -106,6 +106,7 @@ bool StartPads() {
     if (padsFailed)
         return false;
     padsRun = true;
+    ReadPadMappings();
     return std::atexit(ShutDown) == 0;
 }
 

@@ -2,15 +2,13 @@
 //
 // A balloon over hills, drawn without a shader: see README.md beside this file.
 #include "platform/control/vorn_platform.hpp"
-#include "vorn/vorn.hpp"
+#include "samples/support.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <stdexcept>
-#include <string>
 
 namespace {
 
@@ -153,44 +151,12 @@ private:
     Vorn::Material* mMaterial = nullptr;
 };
 
-/// False when the window was closed.
-bool FetchMessages() {
-    for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    return !Vorn::Engine::Instance()->IsShutdown();
-}
-
 void Show(Picture& picture) {
-    auto& engine = *Vorn::Engine::Instance();
-    auto& input = *Vorn::InputManager::Instance();
-    auto& clock = *Vorn::DeltaClock::Instance();
-    double seconds = 0.0;
-    while (FetchMessages() && !input.IsKeyTriggered(Vorn::CONTROL_KEYBOARD, VK_ESCAPE)) {
-        if (!engine.CheckContext())
-            engine.Reset();
-        clock.Update();
-        input.Update();
-        if (input.IsKeyTriggered(Vorn::CONTROL_KEYBOARD, 'F'))
-            engine.ToggleFullScreen();
-        seconds += clock.GetDeltaTime();
-        picture.Draw(static_cast<float>(seconds));
-        Vorn::Graphic::Instance()->Present();
-        Sleep(5);
-    }
-}
-
-void Save(const std::string& path) {
-    IDirect3DSurface9* surface = nullptr;
-    Vorn::Graphic::Instance()->GetDevice()->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &surface);
-    const HRESULT result =
-        D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
-    if (surface)
-        surface->Release();
-    if (FAILED(result))
-        throw std::runtime_error("cannot write " + path);
-    std::printf("wrote %s\n", path.c_str());
+    float seconds = 0.0f;
+    Samples::Loop([&](float dt) {
+        seconds += dt;
+        picture.Draw(seconds);
+    });
 }
 
 } // namespace
@@ -207,8 +173,8 @@ int main(int argc, char** argv) {
             return 0;
         }
         picture.Draw(1.2f);
-        const auto unasked = std::filesystem::temp_directory_path() / "vorn-03-picture.png";
-        Save(argc > 1 ? argv[1] : unasked.string());
+        Samples::SavePicture(argc > 1 ? argv[1]
+                                      : Samples::InTemporaryFolder("vorn-03-picture.png"));
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "03-picture: %s\n", error.what());

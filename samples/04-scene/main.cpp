@@ -2,16 +2,13 @@
 //
 // A reef out of data files, and a camera that follows a fish: see README.md beside this file.
 #include "platform/control/vorn_platform.hpp"
-#include "vorn/vorn.hpp"
+#include "samples/support.hpp"
 
 #include <XInput.h>
 
 #include <cmath>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
-#include <stdexcept>
-#include <string>
 
 namespace {
 
@@ -133,33 +130,12 @@ private:
     Vorn::Texture* mWeed = nullptr;
 };
 
-/// False when the window was closed.
-bool FetchMessages() {
-    for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    return !Vorn::Engine::Instance()->IsShutdown();
-}
-
 void Show(Reef& reef) {
-    auto& engine = *Vorn::Engine::Instance();
-    auto& input = *Vorn::InputManager::Instance();
-    auto& clock = *Vorn::DeltaClock::Instance();
-    while (FetchMessages() && !input.IsKeyTriggered(Vorn::CONTROL_KEYBOARD, VK_ESCAPE)) {
-        if (!engine.CheckContext())
-            engine.Reset();
-        clock.Update();
-        input.Update();
-        if (input.IsKeyTriggered(Vorn::CONTROL_KEYBOARD, 'F'))
-            engine.ToggleFullScreen();
-        const auto dt = static_cast<float>(clock.GetDeltaTime());
+    Samples::Loop([&](float dt) {
         reef.Steer(dt);
         reef.Update(dt);
         reef.Draw(dt);
-        Vorn::Graphic::Instance()->Present();
-        Sleep(5);
-    }
+    });
 }
 
 /// Three seconds, by a clock that goes the same way each time.
@@ -177,18 +153,6 @@ void Play(Reef& reef) {
     VornPlatform::ReleaseClock();
 }
 
-void Save(const std::string& path) {
-    IDirect3DSurface9* surface = nullptr;
-    Vorn::Graphic::Instance()->GetDevice()->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &surface);
-    const HRESULT result =
-        D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
-    if (surface)
-        surface->Release();
-    if (FAILED(result))
-        throw std::runtime_error("cannot write " + path);
-    std::printf("wrote %s\n", path.c_str());
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -203,8 +167,7 @@ int main(int argc, char** argv) {
             return 0;
         }
         Play(reef);
-        const auto unasked = std::filesystem::temp_directory_path() / "vorn-04-scene.png";
-        Save(argc > 1 ? argv[1] : unasked.string());
+        Samples::SavePicture(argc > 1 ? argv[1] : Samples::InTemporaryFolder("vorn-04-scene.png"));
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "04-scene: %s\n", error.what());

@@ -2,7 +2,7 @@
 //
 // Effects and music under keys and pad, heard live or in a file: see README.md beside this file.
 #include "platform/control/vorn_platform.hpp"
-#include "vorn/vorn.hpp"
+#include "samples/support.hpp"
 
 #include <XInput.h>
 
@@ -12,7 +12,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -171,37 +170,18 @@ private:
     bool mMusic = false, mWalks = false, mMuted = false, mActive = false;
 };
 
-/// False when the window was closed.
-bool FetchMessages() {
-    for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    return !Vorn::Engine::Instance()->IsShutdown();
-}
-
 void Show(Player& player) {
-    auto& engine = *Vorn::Engine::Instance();
     auto& input = *Vorn::InputManager::Instance();
-    auto& clock = *Vorn::DeltaClock::Instance();
-    while (FetchMessages() && !input.IsKeyTriggered(Vorn::CONTROL_KEYBOARD, VK_ESCAPE)) {
-        if (!engine.CheckContext())
-            engine.Reset();
-        clock.Update();
-        input.Update();
+    Samples::Loop([&](float dt) {
         for (const char key : std::string_view(Keys))
             if (input.IsKeyTriggered(Vorn::CONTROL_KEYBOARD, static_cast<unsigned char>(key)))
                 player.Press(key);
         for (const auto& [button, key] : PadKeys)
             if (input.IsKeyTriggered(Vorn::CONTROL_PAD1, button))
                 player.Press(key);
-        if (input.IsKeyTriggered(Vorn::CONTROL_KEYBOARD, 'F'))
-            engine.ToggleFullScreen();
-        player.Update(static_cast<float>(clock.GetDeltaTime()));
+        player.Update(dt);
         player.Draw();
-        Vorn::Graphic::Instance()->Present();
-        Sleep(5);
-    }
+    });
 }
 
 constexpr unsigned int Rate = 48'000, FramesPerSecond = 60; // of the performance
@@ -278,8 +258,7 @@ int main(int argc, char** argv) {
         }
         VornPlatform::UseAudioLoopback(Rate);
         player.Load();
-        const auto unasked = std::filesystem::temp_directory_path() / "vorn-05-sound.wav";
-        Save(argc > 1 ? argv[1] : unasked.string(), Play(player));
+        Save(argc > 1 ? argv[1] : Samples::InTemporaryFolder("vorn-05-sound.wav"), Play(player));
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "05-sound: %s\n", error.what());

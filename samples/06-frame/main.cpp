@@ -2,7 +2,7 @@
 //
 // A whole frame, piece by piece: see README.md beside this file.
 #include "platform/control/vorn_platform.hpp"
-#include "vorn/vorn.hpp"
+#include "samples/support.hpp"
 
 #include <array>
 #include <cmath>
@@ -208,35 +208,14 @@ private:
     float mTime = 0.0f;
 };
 
-/// False when the window was closed.
-bool FetchMessages() {
-    for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    return !Engine::Instance()->IsShutdown();
-}
-
 void Show(Dive& dive) {
-    auto& engine = *Engine::Instance();
-    auto& input = *InputManager::Instance();
-    auto& clock = *DeltaClock::Instance();
-    while (FetchMessages() && !input.IsKeyTriggered(CONTROL_KEYBOARD, VK_ESCAPE)) {
-        if (!engine.CheckContext())
-            engine.Reset();
-        clock.Update();
-        input.Update();
+    Samples::Loop([&](float dt) {
         for (unsigned int piece = 0; piece < PieceCount; ++piece)
-            if (input.IsKeyTriggered(CONTROL_KEYBOARD, '1' + piece))
+            if (InputManager::Instance()->IsKeyTriggered(CONTROL_KEYBOARD, '1' + piece))
                 dive.Toggle(piece);
-        if (input.IsKeyTriggered(CONTROL_KEYBOARD, 'F'))
-            engine.ToggleFullScreen();
-        const auto dt = static_cast<float>(clock.GetDeltaTime());
         dive.Update(dt);
         dive.Draw(dt);
-        Graphic::Instance()->Present();
-        Sleep(5);
-    }
+    });
 }
 
 /// Ten seconds of time, by a clock that goes the same way each time; only the last one is drawn.
@@ -253,18 +232,6 @@ void Play(Dive& dive) {
     }
 }
 
-void Save(const std::string& path) {
-    IDirect3DSurface9* surface = nullptr;
-    Graphic::GetDevice()->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &surface);
-    const HRESULT result =
-        D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
-    if (surface)
-        surface->Release();
-    if (FAILED(result))
-        throw std::runtime_error("cannot write " + path);
-    std::printf("wrote %s\n", path.c_str());
-}
-
 /// Each piece alone, beside the picture of the whole: frame.png, frame-1-beams.png and so on.
 void SavePieces(Dive& dive, const std::string& path) {
     for (unsigned int piece = 0; piece < PieceCount; ++piece) {
@@ -274,8 +241,8 @@ void SavePieces(Dive& dive, const std::string& path) {
         for (char& c : name)
             c = c == ' ' ? '-' : c;
         const std::filesystem::path file(path);
-        Save((file.parent_path() / file.stem()).string() + "-" + std::to_string(piece + 1) + "-" +
-             name + ".png");
+        Samples::SavePicture((file.parent_path() / file.stem()).string() + "-" +
+                             std::to_string(piece + 1) + "-" + name + ".png");
     }
 }
 
@@ -294,9 +261,9 @@ int main(int argc, char** argv) {
             return 0;
         }
         Play(dive);
-        const auto unasked = std::filesystem::temp_directory_path() / "vorn-06-frame.png";
-        const std::string path = argc > 1 ? argv[1] : unasked.string();
-        Save(path);
+        const std::string path =
+            argc > 1 ? argv[1] : Samples::InTemporaryFolder("vorn-06-frame.png");
+        Samples::SavePicture(path);
         if (pieces)
             SavePieces(dive, path);
         return 0;

@@ -2,6 +2,7 @@
 #include "samples/game/actors.hpp"
 
 #include <algorithm>
+#include <bitset>
 #include <cmath>
 
 namespace Lantern {
@@ -16,6 +17,8 @@ constexpr float Pi = 3.1415927f;
 Vector3 Direction(float turn) {
     return {std::cos(turn), std::sin(turn), 0.0f};
 }
+
+std::bitset<64> played;
 
 Vector3 Unit(Vector3 v, const Vector3& otherwise) {
     if (v.SquareLength() < 0.0001f)
@@ -37,7 +40,14 @@ void Dive::Banner(const std::string& text, float seconds) {
 }
 
 void Play(Sounds sound) {
+    if (played.test(static_cast<std::size_t>(sound)))
+        return;
+    played.set(static_cast<std::size_t>(sound));
     Vorn::SoundManager::Instance()->PlaySfx(NumberOf(sound), false);
+}
+
+void ForgetPlayed() {
+    played.reset();
 }
 
 void Splash(Vorn::Scene& scene, const char* variant, const Vector3& place) {
@@ -141,6 +151,7 @@ void Submarine::act(float dt) {
     const float side = mOrders.aim.x < 0.0f ? -1.0f : 1.0f;
     Orientation(Unit({side, 0.05f * mVelocity.y, -0.25f}, {1, 0, 0}));
     TheDive().place = Position();
+    TheDive().facing = mOrders.aim;
 
     mSafe = std::max(0.0f, mSafe - dt);
     mReload = std::max(0.0f, mReload - dt);
@@ -166,7 +177,7 @@ void Submarine::pulse() {
     constexpr float reach = 6.5f;
     Dive& dive = TheDive();
     --dive.pulses;
-    dive.waveTime = 0.7f;
+    dive.waveTime = Dive::WaveTime;
     dive.waveFrom = Position();
     Play(PulseSound);
     Scene()->CreateEntity("bolt", std::string("ring"), false)->Position(Position());
@@ -187,7 +198,7 @@ void Submarine::Meet(Actor& other) {
 
 void Submarine::Wound(int points) {
     Dive& dive = TheDive();
-    if (mSafe > 0.0f || dive.light <= 0)
+    if (mSafe > 0.0f || dive.light <= 0 || dive.motherDead)
         return;
     dive.light = std::max(0, dive.light - points);
     dive.factor = 1;
@@ -262,6 +273,7 @@ void Foe::die() {
     TheDive().Score(mWorth);
     Play(Boom);
     Splash(*Scene(), "boom", Position());
+    Splash(*Scene(), "flash", Position());
     for (int i = 0; i < 1 + mWorth / 50; ++i)
         Scene()->CreateEntity("pearl", std::string("master"), false)->Position(Position());
     --TheDive().foes;
@@ -383,8 +395,12 @@ void Mother::begin() {
 }
 
 void Mother::act(float dt) {
+    // She comes from above the field, so that all of her is seen before she is near.
+    constexpr float arrival = 3.0f;
     Vector3 way = Unit(toLantern(), {1, 0, 0}) * mSpeed;
     way.y += 0.6f * std::sin(0.7f * mAge);
+    if (mAge < arrival)
+        way = Vector3(0.0f, -2.4f, 0.0f);
     moveBy(way);
     Orientation(0.0f, 0.0f, 1.0f);
     mSpines -= dt;
@@ -408,6 +424,11 @@ void Mother::Wound(int points) {
 
 void Mother::die() {
     TheDive().motherDead = true;
+    TheDive().Banner("She sinks into the dark", 3.0f);
+    // All others go with her.
+    for (Vorn::Entity* entity : Scene()->EntityList())
+        if (auto* foe = dynamic_cast<Foe*>(entity); foe && foe != this)
+            foe->Wound(100);
     for (int i = 0; i < 5; ++i)
         Splash(*Scene(), "boom", Position() + Direction(1.3f * static_cast<float>(i)) * 1.5f);
     Foe::die();
@@ -440,7 +461,10 @@ void Pearl::Meet(Actor& other) {
     if (++dive.pearls >= 5) {
         dive.pearls = 0;
         dive.factor = std::min(dive.factor + 1, Dive::MaxFactor);
-        dive.pulses = std::min(dive.pulses + (dive.factor % 2), Dive::MaxPulses);
+        if (dive.factor % 2 != 0 && dive.pulses < Dive::MaxPulses)
+            ++dive.pulses;
+        else if (dive.factor % 2 != 0)
+            dive.light = std::min(dive.light + 1, Dive::MaxLight);
     }
     Play(PearlSound);
     Splash(*Scene(), "glint", Position());

@@ -17,6 +17,7 @@ namespace Lantern {
 /// What the dive as a whole knows, and what actors tell it: one for the game, which owns it.
 struct Dive {
     static constexpr int MaxLight = 4, MaxPulses = 3, MaxFactor = 9;
+    static constexpr float WaveTime = 0.7f; // as the last pass has it (unit: seconds)
 
     int light = MaxLight; // hits that the lamp still bears
     int pulses = 1;
@@ -30,8 +31,9 @@ struct Dive {
     float waveTime = 0.0f;   // the shock wave is seen for so long yet (unit: seconds)
     float bannerTime = 0.0f; // the text is shown for so long yet (unit: seconds)
     std::string banner;
-    Vorn::Vector3 place; // of the lantern
-    Vorn::Vector3 aim;   // of the cross, in the plane
+    Vorn::Vector3 place;  // of the lantern
+    Vorn::Vector3 facing; // where its lamp points, a direction of length 1
+    Vorn::Vector3 aim;    // of the cross, in the plane
     Vorn::Vector3 waveFrom;
 
     void Banner(const std::string& text, float seconds);
@@ -59,7 +61,10 @@ enum Sounds {
 inline Vorn::SoundType NumberOf(Sounds sound) {
     return static_cast<Vorn::SoundType>(sound);
 }
+/// Once in a frame, however many ask for it: ten that burst at once are one bang.
 void Play(Sounds sound);
+/// A new frame begins.
+void ForgetPlayed();
 
 /// How far the field goes.
 constexpr float FieldX = 20.0f, FieldTop = 17.0f, FieldBottom = 1.0f;

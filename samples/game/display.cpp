@@ -26,8 +26,10 @@ void Display::Load() {
         throw std::runtime_error("cannot open file: data/font/lantern.fnt");
     const auto picture = [](const char* name) { return TextureManager::Instance()->Get(name); };
     mFont.mTexture = picture("lantern_font.png");
-    mBackdrop.mTexture = picture("backdrop.png");
+    mBackdrops[0].mTexture = picture("backdrop.png");
+    mBackdrops[1].mTexture = picture("backdrop2.png");
     mLogo.mTexture = picture("logo.png");
+    mLight.mTexture = picture("light.png");
     mLamp.mTexture = picture("lamp.png");
     mPulse.mTexture = picture("pulse.png");
     mCross.mTexture = picture("cross.png");
@@ -35,11 +37,22 @@ void Display::Load() {
     mVignette.mTexture = picture("vignette.png");
 }
 
-void Display::DrawBackdrop() {
-    mBackdrop.mPosition = {0.0f, 10.0f, 22.0f};
-    mBackdrop.mWidth = 72.0f;
-    mBackdrop.mHeight = -46.0f; // the picture's top is up
-    Graphics2DSystem::Instance()->Render2DObj(&mBackdrop, 1.0f, false);
+void Display::DrawBackdrop(std::size_t level) {
+    Vorn2DObj& backdrop = mBackdrops[level];
+    backdrop.mPosition = {0.0f, 10.0f, 22.0f};
+    backdrop.mWidth = 72.0f;
+    backdrop.mHeight = -46.0f; // the picture's top is up
+    Graphics2DSystem::Instance()->Render2DObj(&backdrop, 1.0f, false);
+}
+
+void Display::DrawLamp(const Dive& dive) {
+    constexpr float size = 15.0f;
+    Graphic::GetDevice()->SetRenderState(D3DRS_ZENABLE, FALSE);
+    mLight.mAngle = std::atan2(dive.facing.y, dive.facing.x);
+    const float lit = static_cast<float>(dive.light) / static_cast<float>(Dive::MaxLight);
+    mLight.mPosition = dive.place;
+    mLight.mWidth = mLight.mHeight = size;
+    Graphics2DSystem::Instance()->Render2DObj(&mLight, lit * (1.0f - 0.7f * dive.hurt), true);
 }
 
 void Display::image(Vorn2DObj& object, float x, float y, float width, float height, float alpha) {
@@ -64,6 +77,10 @@ void Display::veil(float alpha) {
     image(mPanel, 400, 300, 1100, 900, alpha);
 }
 
+void Display::plate(float top, float bottom, float width, float alpha) {
+    image(mPanel, 400, 0.5f * (top + bottom), width, bottom - top, alpha);
+}
+
 void Display::DrawDive(const Dive& dive, const Point2& cross, const char* level) {
     image(mVignette, 400, 300, 800, 600, 0.45f + 0.55f * dive.hurt);
     for (int i = 0; i < Dive::MaxLight; ++i)
@@ -75,8 +92,10 @@ void Display::DrawDive(const Dive& dive, const Point2& cross, const char* level)
     text(782, 42, dive.factor > 1 ? Warm : Soft, "x " + std::to_string(dive.factor),
          BM_ALIGN_RIGHT);
     text(400, 16, Soft, level, BM_ALIGN_CENTER);
-    if (dive.bannerTime > 0.0f)
+    if (dive.bannerTime > 0.0f) {
+        plate(132, 192, 340, 0.9f * fclamp(dive.bannerTime, 0.0f, 1.0f));
         text(400, 150, Faded(White, dive.bannerTime), dive.banner, BM_ALIGN_CENTER);
+    }
     if (dive.motherLife > 0) {
         const float left =
             static_cast<float>(dive.motherLife) / static_cast<float>(std::max(1, dive.motherFull));
@@ -92,6 +111,7 @@ void Display::DrawTitle(float time, int best) {
     image(mLogo, 400, 180.0f + 6.0f * std::sin(time), 512, 256, fclamp(time, 0.0f, 1.0f));
     text(400, 352, Faded(Warm, 0.6f + 0.4f * std::sin(4.0f * time)), "press space or A to dive",
          BM_ALIGN_CENTER);
+    plate(392, 512, 640, 0.8f);
     text(400, 420, Soft,
          "move: W A S D or arrows     aim and fire: mouse\npulse: space or right "
          "button     pause: P\non a pad: sticks, RB to fire, A for the pulse",
@@ -101,14 +121,16 @@ void Display::DrawTitle(float time, int best) {
 }
 
 void Display::DrawPaused() {
-    veil(0.7f);
+    veil(0.5f);
+    plate(215, 355, 640, 0.9f);
     text(400, 250, White, "Paused", BM_ALIGN_CENTER);
     text(400, 300, Soft, "P to go on     R to start anew     Escape for the title",
          BM_ALIGN_CENTER);
 }
 
 void Display::DrawEnd(bool won, int score, int best, float time) {
-    veil(0.75f * fclamp(0.7f * time, 0.0f, 1.0f));
+    veil(0.5f * fclamp(0.7f * time, 0.0f, 1.0f));
+    plate(170, 420, 620, 0.9f * fclamp(0.7f * time, 0.0f, 1.0f));
     text(400, 210, won ? Warm : Danger, won ? "The deep is lit again" : "Your light went out",
          BM_ALIGN_CENTER);
     text(400, 262, White, std::to_string(score), BM_ALIGN_CENTER);

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "samples/game/game.hpp"
 
+#include "samples/game/loading.hpp"
+
 #include <XInput.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
 namespace Lantern {
 
@@ -14,8 +17,9 @@ using namespace Vorn;
 
 namespace {
 
-constexpr float CameraAway = 17.5f;
-constexpr float Eyes = 7.25f; // half of the height that is seen in the plane
+constexpr const char* TitleScene = "data/title.scene";
+constexpr float CameraAway = 15.5f;
+constexpr float Eyes = 6.4f; // half of the height that is seen in the plane
 
 // The direction of a stick or of four keys; y up.
 Vector3 WayOf(AnalogMovement move) {
@@ -47,11 +51,31 @@ void Fold(std::uint64_t& hash, const void* data, std::size_t size) {
         hash = (hash ^ bytes[i]) * 1099511628211ull;
 }
 
-} // namespace
-
-void Nowhere::AddEntity(Entity* entity, bool) {
-    EntityFactory::Instance()->ReturnEntity(entity);
+// The manager keeps what is pushed for good, so each is pushed once, however many games a process
+// sees; `mDone` says which of them wait.
+Trigger::Trigger* Script(const char* name) {
+    static std::map<std::string, Trigger::Trigger*> scripts;
+    Trigger::Trigger*& script = scripts[name];
+    if (!script)
+        script = TriggerManager::Instance()->Push(Trigger::Trigger::LoadScript(name));
+    script->mDone = true;
+    return script;
 }
+
+/// What a script adds here goes straight back to its pool. The manager of scenes keeps hold of the
+/// last one it had, so this one outlives games.
+class Nowhere : public Vorn::Scene {
+public:
+    void AddEntity(Entity* entity, bool) override {
+        EntityFactory::Instance()->ReturnEntity(entity);
+    }
+    static Nowhere* Instance() {
+        static Nowhere nowhere;
+        return &nowhere;
+    }
+};
+
+} // namespace
 
 Game::Game(unsigned int width, unsigned int height, const std::filesystem::path& score)
     : mLevels{{{"The shallows",
@@ -63,37 +87,38 @@ Game::Game(unsigned int width, unsigned int height, const std::filesystem::path&
                 {"trench1.json", "trench2.json", "trench3.json", "trench4.json", "trench5.json"},
                 {}}}},
       mScoreFile(score), mBest(mScoreFile.Best()) {
+    CheckData();
     mEngine.Init("Lantern", width, height, false);
-    PhysicsSystem::Instance()->LoadPhysicsInfo("data/physics.json");
+    NamingFile("data/physics.json",
+               [] { PhysicsSystem::Instance()->LoadPhysicsInfo("data/physics.json"); });
     registerTypes();
-    EntityFactory::Instance()->LoadEntities("data/entity");
-    mTitle.DeserializePath("data/title.scene");
+    NamingFile("data/entity", [] { EntityFactory::Instance()->LoadEntities("data/entity"); });
+    mTitle.DeserializePath(TitleScene);
     mShallows.DeserializePath(mLevels[0].scene);
     mTrench.DeserializePath(mLevels[1].scene);
-    // The manager keeps them for good; `mDone` says which of them wait.
     for (Level& level : mLevels)
-        for (const char* script : level.scripts) {
-            level.triggers.push_back(mTriggers.Push(Trigger::Trigger::LoadScript(script)));
-            level.triggers.back()->mDone = true;
-        }
-    // Once: a scene loads its pack each time it comes, and a sound that is loaded again gets
-    // another number. Pictures and models stay what they are.
-    RscPack* sounds = RscPackManager::Instance()->LoadRscPack("data/pack/sound.json");
-    for (sounds->InitLoad(); !sounds->Load(nullptr);) {
-    }
+        for (const char* script : level.scripts)
+            level.triggers.push_back(Script(script));
+    // A scene loads its pack each time it comes, and what is there stays as it is. But a sound gets
+    // another number: no scene has them.
+    for (const char* pack : {"data/pack/sound.json", "data/pack/title.json", "data/pack/dive.json"})
+        LoadPack(pack);
     title();
     mDisplay.Load();
     mSeabed.SetMesh(MeshManager::Instance()->CreateMesh("seabed"));
     mSeabed.Init("data/map/seabed.bmp");
 
+    mGraphic.SetFog(16.0f, 36.0f); // what lies behind the plane of the game grows dim
     mCamera.Projection(Matrix4::Projection(mGraphic.DefaultFOV(), 4.0f / 3.0f, 1.0f, 120.0f));
-    mGraphic.SetPointLightSettings({1.0f, 0.93f, 0.78f}, {0.9f, 0.85f, 0.7f}, {0, 0, 0});
-    mGraphic.SetFog(0.0f, 0.0f);
 }
 
 // What holds objects of the device goes before it.
 Game::~Game() {
-    mScenes.UnloadCurrentScene();
+    try {
+        drain();
+    } catch (const std::exception&) {
+        // A script or a scene that is broken has told that already, or nobody needs to know.
+    }
     SoundManager::Instance()->Free();
     mSeabed.Shutdown();
     RscPackManager::Instance()->Free();
@@ -118,10 +143,10 @@ void Game::registerTypes() {
 
 // States
 
-void Game::enter(Vorn::Scene& scene, Sounds music) {
+void Game::enter(Vorn::Scene& scene, const char* file, Sounds music) {
     mLevel = &scene;
     mScenes.SetScene(&scene);
-    mScenes.Update(0.0f); // the change itself
+    NamingFile(file, [this] { mScenes.Update(0.0f); }); // the change itself
     PhysicsSystem::Instance()->Init();
     EmitterSystem::Instance()->Init(); // graphics are ready: the scene has done that
     SoundManager::Instance()->StopBgm();
@@ -131,7 +156,7 @@ void Game::enter(Vorn::Scene& scene, Sounds music) {
 
 void Game::title() {
     mState = State::Title;
-    enter(mTitle, TitleMusic);
+    enter(mTitle, TitleScene, TitleMusic);
     mLookAt = {0.0f, 8.0f, 0.0f};
     log.emplace_back("title");
 }
@@ -150,8 +175,9 @@ void Game::startLevel(std::size_t level) {
     Dive& dive = TheDive();
     dive.foes = dive.motherLife = 0;
     dive.motherDead = false;
+    mCalm = 0.0f;
     mState = State::Diving;
-    enter(level == 0 ? mShallows : mTrench, DiveMusic);
+    enter(level == 0 ? mShallows : mTrench, mLevels[level].scene, DiveMusic);
     for (Trigger::Trigger* trigger : mLevels[level].triggers)
         trigger->mDone = false;
     mTriggers.ResetTimeElapsed();
@@ -163,7 +189,7 @@ void Game::startLevel(std::size_t level) {
 // What scripts of an earlier dive have still to do is done now, where it makes nobody: nothing
 // takes a running action back.
 void Game::drain() {
-    mScenes.SetScene(&mNowhere);
+    mScenes.SetScene(Nowhere::Instance());
     mScenes.Update(0.0f);
     for (Level& level : mLevels)
         for (Trigger::Trigger* trigger : level.triggers)
@@ -195,6 +221,7 @@ void Game::Update() {
     DeltaClock::Instance()->Update();
     mFrame = std::min(static_cast<float>(DeltaClock::Instance()->GetDeltaTime()), 0.1f);
     mInput.Update();
+    ForgetPlayed();
     readKeys();
     // Who looks elsewhere does not want to die meanwhile.
     if (mWasActive && !mEngine.IsActive() && mState == State::Diving) {
@@ -202,19 +229,27 @@ void Game::Update() {
         SoundManager::Instance()->PauseBgm(true);
     }
     mWasActive = mEngine.IsActive();
+    part("input");
 
     if (mState == State::Paused)
         return;
     mTime += mFrame;
-    if (mState == State::Diving)
-        mTriggers.Update(static_cast<double>(mFrame));
+    // The scripts' clock runs faster through an empty sea: who is quick need not wait.
+    const float clock = TheDive().foes > 0 ? mFrame : 4.0f * mFrame;
+    if (mState == State::Diving && !TheDive().motherDead)
+        NamingFile("data/trigger", [&] { mTriggers.Update(static_cast<double>(clock)); });
+    part("triggers");
     mProfiler.StartClock(PROFILE_PHYSICS);
     mScenes.Update(mFrame);
+    part("entities");
     PhysicsSystem::Instance()->Update(mFrame);
+    part("physics");
     EmitterSystem::Instance()->Update(mFrame);
     mProfiler.EndClock(PROFILE_PHYSICS);
+    part("particles");
     updateDive(mFrame);
     moveCamera(mFrame);
+    part("rules");
 }
 
 void Game::readKeys() {
@@ -293,9 +328,10 @@ Submarine::Orders Game::orders() const {
     }
     orders.fire = mInput.MmouseIsPressed(VK_LBUTTON) || stick.SquareLength() > 0.0f ||
                   mInput.IsKeyPressed(CONTROL_PAD1, XINPUT_GAMEPAD_RIGHT_SHOULDER);
-    orders.pulse = mInput.IsKeyTriggered(CONTROL_KEYBOARD, VK_SPACE) ||
-                   mInput.MmouseIsTrigger(VK_RBUTTON) ||
-                   mInput.IsKeyTriggered(CONTROL_PAD1, XINPUT_GAMEPAD_A);
+    // Not with the key that has just begun the dive.
+    orders.pulse = mTime > 0.3f && (mInput.IsKeyTriggered(CONTROL_KEYBOARD, VK_SPACE) ||
+                                    mInput.MmouseIsTrigger(VK_RBUTTON) ||
+                                    mInput.IsKeyTriggered(CONTROL_PAD1, XINPUT_GAMEPAD_A));
     return orders;
 }
 
@@ -317,6 +353,8 @@ void Game::updateDive(float dt) {
 
     if (dive.light <= 0)
         endDive(State::Dark);
+    else if (dive.motherDead && (mCalm += dt) < 3.5f) // time for the last pearls
+        return;
     else if (dive.motherDead && mLevelIndex + 1 < mLevels.size()) {
         dive.Score(500);
         dive.light = std::min(dive.light + 1, Dive::MaxLight);

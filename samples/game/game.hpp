@@ -13,23 +13,19 @@
 #include "samples/game/actors.hpp"
 #include "samples/game/display.hpp"
 #include "samples/game/score_file.hpp"
+#include "samples/game/sight.hpp"
 #include "vorn/vorn.hpp"
 
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace Lantern {
 
 enum class State { Title, Diving, Paused, Dark, Done };
-
-/// What a script adds here goes straight back to its pool.
-class Nowhere : public Vorn::Scene {
-public:
-    void AddEntity(Vorn::Entity* entity, bool immediate) override;
-};
 
 class Game {
 public:
@@ -52,6 +48,8 @@ public:
     std::uint64_t Hash() const;
     /// What has happened, a line each; the caller empties it.
     std::vector<std::string> log;
+    /// Called where a part of a frame ends, with its name: for who measures.
+    std::function<void(const char*)> partEnds;
 
 private:
     struct Level {
@@ -62,7 +60,7 @@ private:
     };
 
     void registerTypes();
-    void enter(Vorn::Scene& scene, Sounds music);
+    void enter(Vorn::Scene& scene, const char* file, Sounds music);
     void title();
     void dive();
     void startLevel(std::size_t level);
@@ -73,7 +71,13 @@ private:
     Submarine::Orders orders() const;
     void moveCamera(float dt);
 
+    void part(const char* name) const {
+        if (partEnds)
+            partEnds(name);
+    }
+
     void drawBeams(float dt);
+    void drawSonar();
     void drawScene(float dt);
     void drawParticles();
     void drawScreen();
@@ -97,12 +101,12 @@ private:
     Vorn::EntityPool<Actor> mRocks, mDecor;
 
     Vorn::Scene mTitle, mShallows, mTrench;
-    Nowhere mNowhere;
     Vorn::Scene* mLevel = nullptr; // the one that runs
     std::array<Level, 2> mLevels;
     std::size_t mLevelIndex = 0;
     Vorn::Camera mCamera;
     Vorn::HeightMap mSeabed;
+    InSight::Radii mRadii;
     Display mDisplay;
     ScoreFile mScoreFile;
     int mBest = 0;
@@ -110,6 +114,7 @@ private:
     bool mRunning = true;
     bool mWasActive = true;
     float mTime = 0.0f;  // in this state (unit: seconds)
+    float mCalm = 0.0f;  // since the mother is gone (unit: seconds)
     float mFrame = 0.0f; // the last frame (unit: seconds)
     Vorn::Vector3 mLookAt;
 };

@@ -12,6 +12,7 @@ using namespace Vorn;
 namespace {
 
 constexpr D3DCOLOR Black = D3DCOLOR_XRGB(0, 0, 0), Deep = D3DCOLOR_XRGB(2, 7, 16);
+const Vector3 LampColor(1.0f, 0.93f, 0.78f), LampGloss(0.9f, 0.85f, 0.7f);
 constexpr COLORS GraphColor{D3DCOLOR_XRGB(120, 230, 200)};
 
 } // namespace
@@ -23,38 +24,59 @@ void Game::Draw() {
     mGraphic.SetView(mCamera.viewMatrix());
     mGraphic.SetProjection(mCamera.Projection());
     mGraphic.CameraPos(mCamera.Position());
-    // The lamp is all the light there is; on the title, a light goes round.
-    mGraphic.SetPointLightPosition(mState == State::Title
-                                       ? mLookAt + Vector3(0, 0, -5.0f)
-                                       : TheDive().place + Vector3(0, 0.4f, -2.2f));
+    // The lamp is all the light there is, and each hit takes of it; on the title, a light goes
+    // round.
+    const Dive& dive = TheDive();
+    const bool title = mState == State::Title;
+    const float lit =
+        title ? 1.0f
+              : 0.4f + 0.6f * static_cast<float>(dive.light) / static_cast<float>(Dive::MaxLight);
+    mGraphic.SetPointLightSettings(LampColor * lit, LampGloss * lit, {0, 0, 0});
+    mGraphic.SetPointLightPosition(title ? mLookAt + Vector3(0, 0, -5.0f)
+                                         : dive.place + Vector3(0, 0.4f, -2.2f));
     drawBeams(dt);
+    part("draw beams");
     drawScene(dt);
+    part("draw lit");
     drawParticles();
+    part("draw flakes");
     drawScreen();
+    part("draw screen");
     mProfiler.EndClock(PROFILE_GRAPHICS);
 }
 
 void Game::drawBeams(float dt) {
     mGraphic.RTBeamBegin();
     mGraphic.SetBackBufferColor(Black);
-    // The pulse shows the ground as a grid.
+    if (mState != State::Title)
+        mDisplay.DrawLamp(TheDive());
+    drawSonar();
     const Texture* glow = TextureManager::Instance()->Get("glow.png");
-    if (TheDive().waveTime > 0.0f && mSeabed.GetMesh()) {
-        Matrix4 place(5.5f, 0, 0, 0, 0, 0.006f, 0, 0.5f, 0, 0, 3.0f, 8.0f, 0, 0, 0, 1);
-        mGraphic.SetWorldTransform(place.Transposed());
-        mGraphic.SetTexture(*glow->mTexture);
-        mSeabed.Draw();
-        mGraphic.SetWireFrame(false);
-    }
     mGraphic.SetTexture(*glow->mTexture); // skinned models draw with what is bound
     GraphicsSystem::Instance()->BeamEffects(dt);
     mGraphic.RTBeamEnd();
 }
 
+// The pulse shows the ground as a grid, which runs out from it and sinks.
+void Game::drawSonar() {
+    const Dive& dive = TheDive();
+    if (dive.waveTime <= 0.0f || !mSeabed.GetMesh())
+        return;
+    const float age = 1.0f - dive.waveTime / Dive::WaveTime;
+    const float wide = 1.0f + 5.0f * age, deep = 0.5f - 3.0f * age * age;
+    const Matrix4 place(wide, 0, 0, dive.waveFrom.x, 0, 0.012f, 0, deep, 0, 0, 2.0f, 6.0f, 0, 0, 0,
+                        1);
+    mGraphic.SetWorldTransform(place.Transposed());
+    mGraphic.SetTexture(*TextureManager::Instance()->Get("sonar.png")->mTexture);
+    mSeabed.Draw();
+    mGraphic.SetWireFrame(false);
+}
+
 void Game::drawScene(float dt) {
     mGraphic.RTBegin();
     mGraphic.SetBackBufferColor(Deep);
-    mDisplay.DrawBackdrop();
+    mDisplay.DrawBackdrop(mState == State::Title ? 0 : mLevelIndex);
+    const InSight inSight(*mLevel, mCamera, mRadii);
     GraphicsSystem::Instance()->Update(dt);
     mGraphic.RTEnd();
 }

@@ -3,8 +3,19 @@
 // Lantern, a small game: see README.md beside this file.
 #include "samples/game/game.hpp"
 #include "samples/game/session.hpp"
+#include "samples/game/soak.hpp"
+#include "samples/game/timing.hpp"
 
 #include "platform/control/vorn_platform.hpp"
+
+#ifdef VORN_DEV
+#include "dev/dev_mode.hpp"
+#else
+namespace Vorn::Dev {
+static void Start() {}
+static void Update() {}
+} // namespace Vorn::Dev
+#endif
 
 #include <cstdio>
 #include <exception>
@@ -25,10 +36,12 @@ void EnterFolder() {
 }
 
 /// False where nobody could see it.
-bool Live() {
+bool Live(bool dev) {
     Lantern::Game game(800, 600, Lantern::ScoreFile::UsualPath());
     if (!VornPlatform::HasDisplay())
         return false;
+    if (dev)
+        Vorn::Dev::Start();
     while (game.Running()) {
         for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
             TranslateMessage(&message);
@@ -37,6 +50,7 @@ bool Live() {
         game.Update();
         game.Draw();
         Vorn::Graphic::Instance()->Present();
+        Vorn::Dev::Update();
         game.log.clear();
         Sleep(2);
     }
@@ -44,11 +58,15 @@ bool Live() {
 }
 
 int Usage() {
-    std::fprintf(stderr,
-                 "game                        plays; without a display, the recorded session\n"
-                 "game --record FILE FRAMES   lets the pilot play and records it\n"
-                 "game --play FILE [FOLDER]   plays a recording; pictures, sound and log\n"
-                 "game --soak FRAMES [SEED]   random input, small pictures\n");
+    std::fprintf(
+        stderr,
+        "game                                   plays; without a display, the recorded session\n"
+        "game --dev                             plays, and follows its files; F1 opens the panel\n"
+        "game --record FILE FRAMES [SEED]       lets the pilot play and records it\n"
+        "game --play FILE [FOLDER]              plays a recording; pictures, sound and log\n"
+        "game --film FILE FOLDER FIRST LAST     the same, and a picture every third frame\n"
+        "game --time FILE                       plays a recording and tells where time goes\n"
+        "game --soak FRAMES [SEED]              random input, small pictures\n");
     return 2;
 }
 
@@ -58,22 +76,30 @@ int Run(const std::vector<std::string>& words) {
     const auto path = [&words](std::size_t i) { return fs::absolute(words.at(i)).string(); };
     const auto number = [&words](std::size_t i) { return std::stoi(words.at(i)); };
     const bool longer = words.size() == 3;
-    if (verb == "--record" && longer) {
+    if (verb == "--record" && (longer || words.size() == 4)) {
         const std::string file = path(1);
         EnterFolder();
-        Lantern::RecordSession(file, number(2));
+        Lantern::RecordSession(file, number(2), longer ? 1u : static_cast<unsigned int>(number(3)));
+    } else if (verb == "--film" && words.size() == 5) {
+        const std::string file = path(1), folder = path(2);
+        EnterFolder();
+        Lantern::PlaySession(file, folder, {number(3), number(4)});
     } else if (verb == "--play" && (longer || words.size() == 2)) {
         const std::string file = path(1), folder = longer ? path(2) : "";
         EnterFolder();
         Lantern::PlaySession(file, folder);
+    } else if (verb == "--time" && words.size() == 2) {
+        const std::string file = path(1);
+        EnterFolder();
+        Lantern::TimeSession(file);
     } else if (verb == "--soak" && (longer || words.size() == 2)) {
         EnterFolder();
         Lantern::Soak(number(1), longer ? static_cast<unsigned int>(number(2)) : 1u);
-    } else if (!words.empty())
+    } else if (!words.empty() && words != std::vector<std::string>{"--dev"})
         return Usage();
     else {
         EnterFolder();
-        if (!Live())
+        if (!Live(!words.empty()))
             Lantern::PlaySession("session.input", (fs::temp_directory_path() / "lantern").string());
     }
     return 0;

@@ -25,7 +25,7 @@ int ScoreFile::Best() const {
     std::ifstream file(mPath);
     file.imbue(std::locale::classic());
     int best = 0;
-    return file >> best && best > 0 ? best : 0;
+    return file >> best && (file >> std::ws).eof() && best > 0 ? best : 0;
 }
 
 bool ScoreFile::Keep(int score) const {

@@ -10,9 +10,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <memory>
-#include <optional>
-#include <random>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -20,26 +17,7 @@ namespace Lantern {
 
 namespace {
 
-constexpr int FramesPerSecond = 60, Rate = 44100;
-
-/// Kept apart from the player's own, and gone with the run.
-std::filesystem::path ScratchScore() {
-    return std::filesystem::temp_directory_path() /
-           ("vorn-lantern-" + std::to_string(getpid()) + "-best");
-}
-
-void FetchMessages() {
-    for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-}
-
-// The counter stands where frame `frame` begins.
-void HoldFrame(int frame) {
-    VornPlatform::HoldClock(VornPlatform::ClockFrequency * (15 * FramesPerSecond + frame) /
-                            FramesPerSecond);
-}
+constexpr int Rate = 44100;
 
 void WriteWav(const std::string& path, const std::vector<float>& samples) {
     std::ofstream file(path, std::ios::binary);
@@ -64,38 +42,70 @@ void WriteWav(const std::string& path, const std::vector<float>& samples) {
         throw std::runtime_error("cannot write " + path);
 }
 
-std::size_t ResidentKiB() {
-    std::ifstream file("/proc/self/statm");
-    std::size_t all = 0, resident = 0;
-    file >> all >> resident;
-    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
+std::string StateLine(std::uint64_t hash) {
+    char line[32];
+    std::snprintf(line, sizeof line, "state %016llx", static_cast<unsigned long long>(hash));
+    return line;
+}
+
+/// In each drawn frame the profiler counts on to the next in which it asks the clock, and for what
+/// a recording has no answer the machine's clock goes on. So all frames are drawn, or none.
+bool AsksClock() {
+    return Vorn::Profiler::Instance()->GetDebugOn();
+}
+
+std::string FilmPath(const std::string& folder, int number) {
+    char name[32];
+    std::snprintf(name, sizeof name, "/film%03d.png", number);
+    return folder + name;
 }
 
 } // namespace
 
-void RecordSession(const std::string& file, int frames) {
+std::filesystem::path ScratchScore() {
+    return std::filesystem::temp_directory_path() /
+           ("vorn-lantern-" + std::to_string(getpid()) + "-best");
+}
+
+void FetchMessages() {
+    for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+}
+
+void HoldFrame(int frame) {
+    VornPlatform::HoldClock(VornPlatform::ClockFrequency * (15 * FramesPerSecond + frame) /
+                            FramesPerSecond);
+}
+
+void RecordSession(const std::string& file, int frames, unsigned int seed) {
     VornPlatform::UseAudioLoopback(Rate);
     HoldFrame(0);
     VornPlatform::RecordInput(file);
     {
         Game game(800, 600, ScratchScore());
-        Pilot pilot(1);
+        Pilot pilot(seed);
         for (int frame = 0; frame < frames && game.Running(); ++frame) {
             HoldFrame(frame);
             pilot.Fly(game);
             FetchMessages();
             game.Update();
+            if (AsksClock())
+                game.Draw();
+            for (const std::string& line : game.log)
+                std::printf("frame %d: %s\n", frame, line.c_str());
+            game.log.clear();
         }
-        for (const std::string& line : game.log)
-            std::printf("%s\n", line.c_str());
+        std::printf("%s\n", StateLine(game.Hash()).c_str());
     }
     VornPlatform::StopInput();
     VornPlatform::ReleaseClock();
     std::filesystem::remove(ScratchScore());
 }
 
-unsigned long long PlaySession(const std::string& file, const std::string& folder) {
-    constexpr int pictureEach = 150;
+unsigned long long PlaySession(const std::string& file, const std::string& folder, Film film) {
+    constexpr int sheetEach = 150, filmEach = 3;
     VornPlatform::UseAudioLoopback(Rate);
     VornPlatform::PlayInput(file);
     const bool keeps = !folder.empty();
@@ -104,7 +114,6 @@ unsigned long long PlaySession(const std::string& file, const std::string& folde
     std::vector<float> heard;
     std::uint64_t hash = 0;
     std::string happened;
-    std::size_t most = 0;
     {
         Game game(800, 600, ScratchScore());
         Sheet sheet(4, 320, 240);
@@ -113,14 +122,15 @@ unsigned long long PlaySession(const std::string& file, const std::string& folde
             if (!VornPlatform::IsPlayingInput())
                 break;
             game.Update();
-            if (keeps && frame % pictureEach == pictureEach - 1) {
+            const bool inSheet = frame % sheetEach == 100;
+            const bool inFilm =
+                frame >= film.first && frame < film.last && (frame - film.first) % filmEach == 0;
+            if (keeps && (inSheet || inFilm || AsksClock())) {
                 game.Draw();
-                sheet.Add();
-                // The fullest of them also by itself.
-                if (const std::size_t count = game.Scene()->EntityList().size(); count > most) {
-                    most = count;
-                    SavePicture(folder + "/picture.png");
-                }
+                if (inSheet)
+                    sheet.Add();
+                if (inFilm)
+                    SavePicture(FilmPath(folder, (frame - film.first) / filmEach));
                 Vorn::Graphic::Instance()->Present();
             }
             if (keeps) {
@@ -137,70 +147,15 @@ unsigned long long PlaySession(const std::string& file, const std::string& folde
     }
     VornPlatform::StopInput();
     std::filesystem::remove(ScratchScore());
-    char line[32];
-    std::snprintf(line, sizeof line, "state %016llx", static_cast<unsigned long long>(hash));
+    const std::string line = StateLine(hash);
     if (keeps) {
         WriteWav(folder + "/heard.wav", heard);
         std::ofstream(folder + "/log.txt") << happened << line << "\n";
-        for (const char* name : {"sheet.png", "picture.png", "heard.wav", "log.txt"})
+        for (const char* name : {"sheet.png", "heard.wav", "log.txt"})
             std::printf("wrote %s/%s\n", folder.c_str(), name);
     }
-    std::printf("%s\n", line);
+    std::printf("%s\n", line.c_str());
     return hash;
-}
-
-void Soak(int frames, unsigned int seed) {
-    constexpr unsigned int width = 160, height = 120;
-    constexpr int settled = 10000;
-    VornPlatform::UseAudioLoopback(8000);
-    std::mt19937 dice(seed);
-    Pilot pilot(seed);
-    std::optional<VornPlatform::VirtualPad> pad;
-    auto game = std::make_unique<Game>(width, height, ScratchScore());
-    std::size_t before = 0;
-    for (int frame = 0; frame < frames; ++frame) {
-        HoldFrame(frame);
-        pilot.Flail(width, height);
-        const unsigned int fate = static_cast<unsigned int>(dice() % 4000);
-        if (fate == 0) {
-            VornPlatform::LoseDevice();
-            VornPlatform::RestoreDevice();
-        } else if (fate < 4)
-            VornPlatform::SendFocus(fate % 2 != 0);
-        else if (fate < 8)
-            pad ? pad.reset() : static_cast<void>(pad.emplace());
-        else if (fate < 40 && pad) {
-            pad->Buttons(static_cast<unsigned int>(dice() & 0xF3FFu), fate % 2 != 0);
-            pad->LeftStick(static_cast<int>(dice() % 65535) - 32767,
-                           static_cast<int>(dice() % 65535) - 32767);
-        }
-        if (frame % 500 == 499)
-            VornPlatform::SendFocus(true);
-        FetchMessages();
-        if (!game->Running()) { // Escape on the title: start again, as a player would
-            game.reset();
-            Vorn::Engine::isShutdown = false;
-            game = std::make_unique<Game>(width, height, ScratchScore());
-        }
-        game->Update();
-        game->Draw();
-        Vorn::Graphic::Instance()->Present();
-        VornPlatform::RenderAudio(8000 / FramesPerSecond);
-        for (const std::string& line : game->log)
-            std::printf("frame %d: %s\n", frame, line.c_str());
-        game->log.clear();
-        if (frame == settled)
-            before = ResidentKiB();
-        if (frame % 5000 == 0)
-            std::printf("frame %d: %zu KiB\n", frame, ResidentKiB());
-    }
-    const std::size_t after = ResidentKiB();
-    game.reset();
-    VornPlatform::ReleaseClock();
-    std::filesystem::remove(ScratchScore());
-    std::printf("memory at frame %d: %zu KiB, at the end: %zu KiB\n", settled, before, after);
-    if (before && after > before + before / 20)
-        throw std::runtime_error("memory grows");
 }
 
 } // namespace Lantern

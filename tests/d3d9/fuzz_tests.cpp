@@ -4,6 +4,8 @@
 // nothing lives. The fixture counts.
 #include "tests/support/device.hpp"
 
+#include <cmath>
+#include <functional>
 #include <limits>
 
 namespace Tests {
@@ -41,12 +43,8 @@ protected:
         return dice(6) ? static_cast<DWORD>(1 << dice(8)) : odd[dice(6)];
     }
     float Number() {
-        const float odd[] = {0,
-                             -1,
-                             1e30f,
-                             -1e30f,
-                             std::numeric_limits<float>::quiet_NaN(),
-                             std::numeric_limits<float>::infinity()};
+        constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+        const float odd[] = {0, -1, 1e30f, -1e30f, nan, HUGE_VALF};
         return dice(6) ? dice.Unit() * 80 - 10 : odd[dice(6)];
     }
     D3DPOOL Pool() { return static_cast<D3DPOOL>(dice(8) ? dice(3) : 7); }
@@ -129,63 +127,52 @@ protected:
         }
     }
     void SetSomething() {
-        switch (dice(12)) {
-        case 0:
-            device->SetStreamSource(static_cast<UINT>(dice(3)), Any(buffers), dice(4) ? 0 : Size(),
-                                    dice(4) ? 24 : Size());
-            break;
-        case 1:
-            device->SetIndices(Any(indices));
-            break;
-        case 2:
-            device->SetTexture(dice(4) ? 0 : Size(), Any(textures));
-            break;
-        case 3:
-            device->SetRenderTarget(dice(6) ? 0 : Size(), Any(surfaces));
-            break;
-        case 4:
-            device->SetDepthStencilSurface(Any(surfaces));
-            break;
-        case 5:
-            device->SetVertexDeclaration(Any(declarations));
-            break;
-        case 6: {
-            const DWORD fvfs[] = {0x42, 0x52, 0x142, 0x152, 2, 0, dice.Bits()};
-            device->SetFVF(fvfs[dice(7)]);
-            break;
-        }
-        case 7:
-            device->SetRenderState(static_cast<D3DRENDERSTATETYPE>(dice(220)),
-                                   dice(5) ? Small() : dice.Bits());
-            break;
-        case 8:
-            device->SetTextureStageState(dice(4) ? 0 : Size(),
-                                         static_cast<D3DTEXTURESTAGESTATETYPE>(dice(30)), Small());
-            break;
-        case 9:
-            device->SetSamplerState(dice(4) ? 0 : Size(),
-                                    static_cast<D3DSAMPLERSTATETYPE>(dice(14)), Small());
-            break;
-        case 10: {
-            D3DXMATRIX m;
-            for (auto& row : m.m)
-                for (float& element : row)
-                    element = Number();
-            device->SetTransform(static_cast<D3DTRANSFORMSTATETYPE>(dice(300)), &m);
-            const D3DVIEWPORT9 viewport = {Size(), Size(), Size(), Size(), Number(), Number()};
-            device->SetViewport(&viewport);
-            break;
-        }
-        default: {
-            D3DLIGHT9 light = {};
-            light.Type = static_cast<D3DLIGHTTYPE>(dice(5));
-            light.Diffuse = {Number(), Number(), Number(), Number()};
-            light.Position = {Number(), Number(), Number()};
-            light.Range = Number(), light.Attenuation0 = Number();
-            device->SetLight(Size(), &light);
-            device->LightEnable(Size(), dice(2));
-        }
-        }
+        const auto index = [this](int sensible) { return dice(sensible) ? 0 : Size(); };
+        const std::function<void()> setters[] = {
+            [&] {
+                device->SetStreamSource(static_cast<UINT>(dice(3)), Any(buffers), index(4),
+                                        dice(4) ? 24 : Size());
+            },
+            [&] { device->SetIndices(Any(indices)); },
+            [&] { device->SetTexture(index(4), Any(textures)); },
+            [&] { device->SetRenderTarget(index(6), Any(surfaces)); },
+            [&] { device->SetDepthStencilSurface(Any(surfaces)); },
+            [&] { device->SetVertexDeclaration(Any(declarations)); },
+            [&] {
+                const DWORD fvfs[] = {0x42, 0x52, 0x142, 0x152, 2, 0, dice.Bits()};
+                device->SetFVF(fvfs[dice(7)]);
+            },
+            [&] {
+                device->SetRenderState(static_cast<D3DRENDERSTATETYPE>(dice(220)),
+                                       dice(5) ? Small() : dice.Bits());
+            },
+            [&] {
+                device->SetTextureStageState(
+                    index(4), static_cast<D3DTEXTURESTAGESTATETYPE>(dice(30)), Small());
+            },
+            [&] {
+                device->SetSamplerState(index(4), static_cast<D3DSAMPLERSTATETYPE>(dice(14)),
+                                        Small());
+            },
+            [&] {
+                D3DXMATRIX m;
+                for (auto& row : m.m)
+                    for (float& element : row)
+                        element = Number();
+                device->SetTransform(static_cast<D3DTRANSFORMSTATETYPE>(dice(300)), &m);
+                const D3DVIEWPORT9 viewport = {Size(), Size(), Size(), Size(), Number(), Number()};
+                device->SetViewport(&viewport);
+            },
+            [&] {
+                D3DLIGHT9 light = {};
+                light.Type = static_cast<D3DLIGHTTYPE>(dice(5));
+                light.Diffuse = {Number(), Number(), Number(), Number()};
+                light.Position = {Number(), Number(), Number()};
+                light.Range = Number(), light.Attenuation0 = Number();
+                device->SetLight(Size(), &light);
+                device->LightEnable(Size(), dice(2));
+            }};
+        setters[dice(12)]();
     }
     void Draw() {
         std::vector<Corner> corners(30);

@@ -451,10 +451,11 @@ TEST_F(ShaderTest, PixelsKnowTheirPlaceWithRowZeroAtTheTopInAnyTargetAndViewport
 
 // --- programs
 
-TEST_F(ShaderTest, WhatTheDriverRefusesDrawsNothing) {
-    Use(PassThrough(), Plain("no_such_name"));
-    Cover();
-    EXPECT_EQ(Pixel(), black);
+TEST_F(ShaderTest, WhatTheDriverDoesNotCompileIsNoShaderAndWhatItDoesNotLinkDrawsNothing) {
+    Held<IDirect3DPixelShader9> none;
+    const std::vector<DWORD> words = VornPlatform::Pack(Plain("no_such_name"));
+    EXPECT_EQ(D3DERR_INVALIDCALL, device->CreatePixelShader(words.data(), none.Out()));
+    EXPECT_EQ(none.Get(), nullptr);
     Use(PassThrough(), WithBlock(Plain("g.list[50000]"), "vec4 list[60000];", 960000));
     Cover();
     Use(PassThrough(), Plain("vec4(0, 1, 0, 1)"));

@@ -360,6 +360,14 @@ TEST_F(TextureTest, LevelsOfAnAutogenmipmapTargetAreTheMeanAndMadeAnewAfterEachS
             EXPECT_TRUE(Same(Screen(), expected, 3)) << size;
         }
     }
+    // Also where a stage keeps the target while it is drawn anew.
+    device->SetRenderTarget(0, Level(target));
+    device->BeginScene();
+    Clear(blue);
+    device->EndScene();
+    device->SetRenderTarget(0, BackBuffer());
+    Image(0, 0, 1, 1);
+    EXPECT_EQ(Screen().At(0, 0), blue);
 }
 
 TEST_F(TextureTest, WhatWasNeverWrittenIsDrawnAsItIsInMemory) {

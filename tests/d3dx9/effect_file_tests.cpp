@@ -44,14 +44,13 @@ protected:
              element(28, D3DDECLTYPE_FLOAT2, D3DDECLUSAGE_TEXCOORD), D3DDECL_END()},
             D3DPT_TRIANGLESTRIP, quad);
     }
-    /// (u, v) as red and green, with blue and alpha.
-    Held<IDirect3DTexture9> Ramp(int blue = 0, int alpha = 255) {
+    /// (u, v) as red and green, with alpha.
+    Held<IDirect3DTexture9> Ramp(int alpha) {
         Picture ramp(Size, Size, 0);
         for (int i = 0; i < Size * Size; ++i)
-            ramp.At(i % Size, i / Size) = Packed(i % Size * 17, i / Size * 17, blue, alpha);
+            ramp.At(i % Size, i / Size) = Packed(i % Size * 17, i / Size * 17, 0, alpha);
         return Texture(ramp);
     }
-    static double RampAt(double x) { return std::floor(x * Size) / 15; }
     static void SetVector(ID3DXEffect* effect, const char* name, D3DXVECTOR4 v) {
         EXPECT_EQ(D3D_OK, effect->SetVector(name, &v)) << name;
     }
@@ -194,7 +193,7 @@ TEST_F(EffectFileTest, IncludesStandBesideTheirFile) {
 
 TEST_F(EffectFileTest, ParallaxMovesTheColorsByTheHeights) {
     const Held<ID3DXEffect> effect = LoadOurs("parallax.fx");
-    const Held<IDirect3DTexture9> ramp = Ramp(0, 204), flat = Texture(Picture(4, 4, 0x808080ff));
+    const Held<IDirect3DTexture9> ramp = Ramp(204), flat = Texture(Picture(4, 4, 0x808080ff));
     effect->SetTexture("DiffuseMap", ramp), effect->SetTexture("NormalMap", flat);
     SetTranslation(effect, "World", 0, 0, 0), SetTranslation(effect, "WorldViewProj", 0, 0, 0);
     SetVector(effect, "EyePosition", {2, 0, -1.5f, 1});
@@ -269,40 +268,6 @@ TEST_F(EffectFileTest, SkinFollowsItsFourBones) {
     ExpectColor({128 / 255., 64 / 255., 32 / 255., 1});
 }
 
-TEST_F(EffectFileTest, BlurWeighsNineTaps) {
-    const Held<ID3DXEffect> effect = LoadOurs("blur.fx");
-    Picture line(Size, Size, black);
-    line.Fill(8, 0, 9, Size, white);
-    const Held<IDirect3DTexture9> scene = Texture(line);
-    effect->SetTexture("SceneTexture", scene);
-    const double weights[] = {.05, .09, .12, .15, .18, .15, .12, .09, .05};
-    Render(effect, "Horizontal");
-    for (int x = 4; x <= 12; ++x)
-        ExpectPixel(x, 7, {weights[x - 4], weights[x - 4], weights[x - 4], 1});
-    ExpectPixel(2, 7, {0, 0, 0, 1});
-    Render(effect, "Vertical");
-    ExpectPixel(8, 7, {1, 1, 1, 1});
-    ExpectPixel(7, 7, {0, 0, 0, 1});
-}
-
-TEST_F(EffectFileTest, SepiaMixesAlongTheSlider) {
-    const Held<ID3DXEffect> effect = LoadOurs("sepia.fx");
-    const Held<IDirect3DTexture9> ramp = Ramp(102);
-    effect->SetTexture("SceneMap", ramp);
-    for (const double amount : {.75, 0.}) {
-        EXPECT_EQ(D3D_OK, effect->SetFloat("Amount", static_cast<float>(amount)));
-        Render(effect);
-        ExpectPicture([&](double u, double v) {
-            const double r = RampAt(u), g = RampAt(v), b = .4;
-            const auto mix = [&](double from, double cr, double cg, double cb) {
-                return from + amount * (std::min(1., r * cr + g * cg + b * cb) - from);
-            };
-            return Color{mix(r, .393, .769, .189), mix(g, .349, .686, .168),
-                         mix(b, .272, .534, .131), 1};
-        });
-    }
-}
-
 TEST_F(EffectFileTest, ParticlesAreAddedAsPoints) {
     const Held<ID3DXEffect> effect = LoadOurs("particles.fx");
     Clear(0xff202020);
@@ -318,27 +283,6 @@ TEST_F(EffectFileTest, ParticlesAreAddedAsPoints) {
     ExpectPixel(2, 5, {there + k * 128 / 255, there + k * 64 / 255, there + k * 32 / 255, 1}, .02);
     ExpectPixel(1, 5, {there, there, there, 1});
     ExpectPixel(12, 7, {there, there, there, 1});
-}
-
-TEST_F(EffectFileTest, TerrainMixesFourGrounds) {
-    const Held<ID3DXEffect> effect = LoadOurs("terrain.fx");
-    const std::uint32_t grounds[] = {0xffff0000, 0xff00ff00, 0xff0000ff, 0xffffffff};
-    std::vector<Held<IDirect3DTexture9>> textures;
-    for (int i = 0; i < 4; ++i) {
-        textures.push_back(Texture(Picture(2, 2, grounds[i])));
-        effect->SetTexture(("Ground" + std::to_string(i)).c_str(), textures.back());
-    }
-    const Held<IDirect3DTexture9> ramp = Ramp(51);
-    effect->SetTexture("BlendMap", ramp);
-    SetTranslation(effect, "WorldViewProjection", 0, 0, 0);
-    Render(effect, nullptr, [this] { Mesh(); });
-    ExpectPicture(
-        [](double u, double v) {
-            const double r = RampAt(u), g = RampAt(v), b = .2, a = std::max(0., 1 - r - g - b);
-            const double sum = r + g + b + a, shade = .25 + .75;
-            return Color{(r + a) / sum * shade, (g + a) / sum * shade, (b + a) / sum * shade, 1};
-        },
-        2.01 / 255);
 }
 
 TEST_F(EffectFileTest, AScriptedFileOfAToolIsDrawn) {

@@ -188,6 +188,14 @@ float Scaled(float x, float k) { return x * k; })",
                       : u < .5 ? .2
                                : .3};
      }},
+    {"FunctionsShareNamesWithThoseOfTheLanguage", R"(
+float saturate(float x, float most) { return min(saturate(x), most); }
+float min(float a, float b, float c) { return min(a, min(b, c)); }
+float3 lerp(float3 a, float3 b) { return lerp(a, b, 0.25); })",
+     "return float4(saturate(t.x * 2, 0.75), min(t.x, t.y, 0.5), lerp(t.xyx, 1).y, saturate(t.x));",
+     [](double u, double v) {
+         return Color{std::min(u * 2, .75), std::min({u, v, .5}), v * .75 + .25, u};
+     }},
     {"SwizzlesAndMasks", "",
      "float4 c = float4(t, 0.25, 1); c.rg = c.gr; c.wz *= float2(0.5, 2); float s = t.x;\n"
      "c.z += 0.125; float3 spread = s.xxx; c[0] += spread.z * 0.25; return c.yxzw.bgra.rgba;",
@@ -303,6 +311,27 @@ return float4(parts[1] + four.b.x, four.a.x * 0.5 + none.a.y, two[1].y, k[(int)(
                       (M(0, 2) + M(0, 1)) / 2 + M(n, 0) / 4, M(3, 3) / 2 + M(n, 0) / 4};
      },
      SetCounting},
+    {"IndicesAreCutToWholeNumbers", "float4x4 M; float Kernel[4] = { 0.1, 0.2, 0.3, 0.4 };", R"(
+float2 i = t * 3.9; float4 own = 0; own[i.x] = 0.5;
+return float4(M[i.x][i.y], M[i].y + M[i.yx].x * 0.5, Kernel[i.y] + Kernel[i], own[t.x * 3.9]);)",
+     [](double u, double v) {
+         const int x = static_cast<int>(u * 3.9), y = static_cast<int>(v * 3.9);
+         return Color{M(x, y), M(x, 1) + M(y, 0) / 2, (x + y + 2) / 10., .5};
+     },
+     SetCounting},
+    {"FunctionsOfMatricesWorkByComponent", "float4x4 M; float3x3 Small;", R"(
+float4x4 mean = lerp(M, 1, 0.5), shifted = abs(M - 0.5) + saturate(M * 2 - t.x) + floor(M * 8) / 8;
+float3x3 low = min(Small, 0.25) + max(Small, t.y) + sign(Small - 0.1) * 0.25 + pow(Small, 2);
+return float4(mean._23, shifted._32 * 0.5, low._21 * 0.5, frac(M * 4)[3].z * 0.5 + clamp(M, 0.2, 0.3)._14);)",
+     [](double u, double v) {
+         const double small = M(1, 0), m = M(2, 1);
+         return Color{(M(1, 2) + 1) / 2,
+                      (std::abs(m - .5) + std::clamp(m * 2 - u, 0., 1.) + std::floor(m * 8) / 8) /
+                          2,
+                      (std::min(small, .25) + std::max(small, v) + .25 + small * small) / 2,
+                      Fract(M(3, 2) * 4) / 2 + .2};
+     },
+     SetCounting},
     {"SwizzlesOfMatrices", "float4x4 M;", R"(
 float3 place = M._41_42_43; float4 diagonal = M._m00_m11_m22_m33; float4x4 own = M;
 own._11_21 = t; own._m33 = 0.25; own[1] = float4(0.1, 0.2, own[1].zw); own._32_23 = own._23_32;
@@ -375,8 +404,9 @@ return float4(a.x * 0.5 + cut._13, b.y * 0.5 + all._12, b.z * 0.5, all._43 + all
      SetCounting},
 
     // Pixels alone.
-    {"PixelsAreThrownAway", "",
-     "clip(t.x - 0.5); clip(float2(1, 0.9 - t.y)); if (t.y < 0.25) discard; return 1;",
+    {"PixelsAreThrownAway", "float4 Gone() { discard; return 0; }",
+     "clip(t.x - 0.5); clip(float2(1, 0.9 - t.y)); if (t.y < 0.1) discard; else if (t.y < 0.25) "
+     "return Gone(); return 1;",
      [](double u, double v) {
          const double there = u < .5 || v > .9 || v < .25 ? 0 : 1;
          return Color{there, there, there, there};

@@ -100,7 +100,7 @@ TEST_F(EffectStageTest, VerticesAreReadByUsage) {
                         {0, .4f, 0},
                         {c.x, c.y},
                         0x00003366});
-    // What an element leaves out is 0, and 1 the fourth; one that is not there is 0.
+    // What an element leaves out is 0, and 1 the fourth; so is one that is not there.
     for (const char* type : {"int4", "float4", "half4"}) {
         SCOPED_TRACE(type);
         Clear(0);
@@ -111,7 +111,7 @@ struct In { float4 p : POSITION; float4 tint : COLOR1; float4 w : BLENDWEIGHT; f
     float4 c : COLOR0; float3 bi : BINORMAL; float4 ta : TANGENT0; };
 void V(In i, out float4 p : POSITION, out float4 c : COLOR0, out float4 more : TEXCOORD0) {
     p = mul(i.p, Bones[i.b.x]) * i.w.x + mul(i.p, Bones[i.b[1]]) * (1 - i.w.x); c = i.c;
-    more = float4(i.tint.b, i.b.w / 255.0 - Table[i.b.w], i.w.y + i.w.w * 0.25 + i.bi.y, i.ta.w + i.none.x);
+    more = float4(i.tint.b, i.b.w / 255.0 - Table[i.b.w], i.w.y + i.w.w * 0.25 + i.bi.y, i.ta.w + dot(i.none, float4(1, 1, 1, 0.25)));
 }
 float4 P(float4 c : COLOR0, float4 more : TEXCOORD0) : COLOR { return c * 0.5 + more * 0.5; })" +
                                                  Pass(compiled, compiledPixels));
@@ -120,7 +120,7 @@ float4 P(float4 c : COLOR0, float4 more : TEXCOORD0) : COLOR { return c * 0.5 + 
             EXPECT_EQ(D3D_OK, effect->SetMatrix(bone, D3DXMatrixIdentity(&m)));
         EXPECT_EQ(D3D_OK, effect->SetFloat("Table[255]", 0.25f));
         Render(effect, nullptr, [&] { DrawWith(elements, D3DPT_TRIANGLESTRIP, quad); });
-        ExpectColor({.5 + .2, .125 + .375, .325, 128 / 510. + .15});
+        ExpectColor({.5 + .2, .125 + .375, .325, 128 / 510. + .275});
     }
 }
 

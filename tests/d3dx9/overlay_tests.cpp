@@ -420,28 +420,4 @@ TEST_F(LineTest, GlLinesAreAsManyPixelsWideAlongTheirAxis) {
     }
 }
 
-TEST(OverlayRecorderTest, TextAndLinesRunOnTheRecorderAndTheLogTellsThemOnce) {
-    class Recorded : public DeviceTest {
-    public:
-        Recorded() : DeviceTest(true) {}
-        void TestBody() override {
-            Held<ID3DXFont> font;
-            Held<ID3DXLine> line;
-            ASSERT_EQ(D3D_OK, D3DXCreateFontA(device, 22, 0, 400, 1, FALSE, 1, 0, 4, 0, "Arial",
-                                              font.Out()));
-            ASSERT_EQ(D3D_OK, D3DXCreateLine(device, line.Out()));
-            RECT rect = {5, 6, 1, 1};
-            const D3DXVECTOR2 points[] = {{1, 2}, {3, 4.5f}};
-            const VornPlatform::CallLog log;
-            EXPECT_EQ(font->DrawTextA(nullptr, "Text", -1, &rect, noClip, red), 22);
-            EXPECT_EQ(D3D_OK, line->Draw(points, 2, red));
-            ASSERT_EQ(log.Calls().size(), 2u) << "not what the objects do to the device";
-            EXPECT_NE(log.Calls()[0].find("DrawTextA("), std::string::npos) << log.Calls()[0];
-            EXPECT_NE(log.Calls()[0].find("Text"), std::string::npos) << log.Calls()[0];
-            EXPECT_NE(log.Calls()[1].find("4.5"), std::string::npos) << log.Calls()[1];
-        }
-    };
-    Recorded().TestBody();
-}
-
 } // namespace Tests

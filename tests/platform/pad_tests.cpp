@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/platform/window_fixture.hpp"
+#include "tests/support/temp_folder.hpp"
 
 #include <XInput.h>
 
+#include <filesystem>
 #include <memory>
+#include <string>
 
 namespace Tests {
 
@@ -156,6 +159,37 @@ TEST_F(PadTest, MotorsRunUntilTheyAreToldOtherwise) {
     pad = std::make_unique<VirtualPad>();
     EXPECT_TRUE(Connected(0));
     EXPECT_EQ(pad->LeftMotor(), 0) << "the next pad in the slot stands still";
+}
+
+TEST_F(PadTest, MappingsBesideTheGameAreReadAtStart) {
+    const TempFolder folder;
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Path());
+    std::string guid(33, '\0');
+    // A joystick that SDL takes for no pad by itself, with its first button down.
+    const auto buttons = [&guid] {
+        SDL_QuitSubSystem(SDL_INIT_GAMECONTROLLER);
+        Connected(0); // starts them anew
+        const int device = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_UNKNOWN, 2, 4, 0);
+        SDL_Joystick* const joystick = SDL_JoystickOpen(device);
+        SDL_JoystickGetGUIDString(SDL_JoystickGetGUID(joystick), guid.data(), 33);
+        SDL_JoystickSetVirtualButton(joystick, 0, 1);
+        const int pressed = Connected(0) ? Read(0).wButtons : -1;
+        SDL_JoystickClose(joystick);
+        SDL_JoystickDetachVirtual(device);
+        return pressed;
+    };
+    EXPECT_EQ(buttons(), -1);
+    guid.replace(4, 4, "0000"); // files know a kind of pad, without the checksum of its name
+    folder.File("gamecontrollerdb.txt", "no mapping\n" + std::string(guid.c_str()) +
+                                            ",Ours,x:b0,y:b1,a:b2,platform:Linux,\n,,,");
+    EXPECT_EQ(buttons(), XINPUT_GAMEPAD_X);
+    folder.File("gamecontrollerdb.txt", std::string("\0\xff,,\n", 5));
+    EXPECT_EQ(buttons(), -1);
+    std::filesystem::remove(folder.Path() / "gamecontrollerdb.txt");
+    folder.Folder("gamecontrollerdb.txt");
+    EXPECT_EQ(buttons(), -1);
+    std::filesystem::current_path(before);
 }
 
 } // namespace Tests

@@ -331,4 +331,15 @@ TEST_F(WindowTest, StartedInFullScreenItComesBackAsItWasCreated) {
     EXPECT_EQ(rect.bottom - rect.top, 300);
 }
 
+TEST_F(WindowTest, NothingWaitsForSomebodyWhoIsNotThere) {
+    for (const HWND owner : {HWND(nullptr), Show()}) {
+        EXPECT_EQ(MessageBoxA(owner, "text", nullptr, MB_OK | MB_ICONERROR), 0);
+        EXPECT_EQ(MessageBoxA(owner, nullptr, "title", 0xFFFFFFFF), 0);
+        for (const char* file : {"/nowhere", static_cast<const char*>(nullptr)}) {
+            const HINSTANCE opened = ShellExecuteA(owner, "open", file, nullptr, nullptr, 0);
+            EXPECT_LE(reinterpret_cast<std::intptr_t>(opened), 32);
+        }
+    }
+}
+
 } // namespace Tests

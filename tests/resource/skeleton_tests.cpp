@@ -202,19 +202,6 @@ TEST_F(Skeletons, ACursorGoesOneKeyAFrameAndRunsPastItMeanwhile) {
     Vorn::ModelLoader().Release(again);
 }
 
-TEST_F(Skeletons, AClockOnAKeyStaysInTheIntervalThatEndsThere) {
-    Read(Mover({0, 1, 2}, 3));
-    ExpectAt(1, 1, 1);
-    EXPECT_EQ(mesh.mBones[0].mCurrentKey, 1u);
-    ExpectAt(0.5f, 1.5, 1.5f);
-    EXPECT_EQ(mesh.mBones[0].mCurrentKey, 2u);
-}
-
-TEST_F(Skeletons, KeysBeforeTheirTimeAreReachedBackwards) {
-    Read(Mover({1, 2}, 3));
-    ExpectAt(0.5f, -0.5, 0.5f);
-}
-
 TEST_F(Skeletons, OneKeyHoldsAndOfEqualTimesTheLaterStands) {
     Read(Mover({0.5f}, 1));
     ExpectAt(0.75f, 0, 0.75f);
@@ -223,14 +210,6 @@ TEST_F(Skeletons, OneKeyHoldsAndOfEqualTimesTheLaterStands) {
     Vorn::UpdateSkeleton(0.1f, equal);
     EXPECT_NEAR(static_cast<double>(equal.mBones[0].mWorld.m[3]), 10, 1e-5);
     Vorn::ModelLoader().Release(equal);
-}
-
-TEST_F(Skeletons, WithoutALengthTheClockStandsAtItsStart) {
-    Read(Mover({0, 1}, 0));
-    ExpectAt(0.25f, 0, 0);
-    Mesh none;
-    Vorn::UpdateSkeleton(1, none);
-    EXPECT_EQ(none.mTime, 0);
 }
 
 TEST_F(Skeletons, ABoneWithoutKeysMovesWithItsParentAndLeavesVerticesWhereTheyWere) {

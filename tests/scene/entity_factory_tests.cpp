@@ -65,7 +65,8 @@ TEST_F(Factory, NamesAKeyWithoutAPoolAndKeepsNone) {
     expectUnknown();
     factory.Register("unicorn", nullptr); // a null pool is no pool
     expectUnknown();
-    EXPECT_THROW(LoadEntity("no json"), std::out_of_range); // under the empty name
+    EXPECT_THAT([&] { LoadEntity("no json"); }, // under the empty name
+                ThrowsMessage<std::out_of_range>(HasSubstr((folder / "a.ent").string())));
     things.empty = true;
     EXPECT_THAT([&] { factory.FetchEntity("thing", "crimson"); },
                 ThrowsMessage<std::runtime_error>(

@@ -17,6 +17,9 @@ headers() { find "$@" -name '*.hpp' ! -name fwd.hpp; }
 
 may_not "$(find platform -name '*.cpp' -o -name '*.h*')" 'vorn/' 'the platform knows nothing of the engine'
 may_not "$(find vorn -name '*.?pp')" 'platform/' 'the engine sees of the platform only its include folder'
+may_not "$(find platform vorn -name '*.?pp')" 'dev/' 'only hosts know of the development mode'
+may_not "$(find dev -name '*.?pp')" 'platform/[^c]' 'the development mode sees of the platform its control'
+may_not "dev/dev_mode.hpp dev/file_watch.hpp dev/overlay.hpp" '(platform|imgui|SDL)' 'hosts have these without more'
 upper='physics|trigger|resource|render|input|sound|profiler|shell'
 may_not "$(headers vorn/core vorn/math)" "vorn/(scene|$upper)/[^f]" 'core and math stand at the bottom'
 may_not "$(headers vorn/scene)" "vorn/($upper)/[^f]" 'the scene stands below all that uses it'

@@ -29,8 +29,13 @@ protected:
     };
 
     Outcome Run(const std::string& arguments) const {
-        const std::string command = "cd '" + mFolder.Path().string() + "' && '" VORN_PROGRAM "' " +
-                                    arguments + " >out.txt 2>error.txt </dev/null";
+        return RunIn(mFolder.Path().string(), arguments);
+    }
+    /// In another folder than the fresh one.
+    Outcome RunIn(const std::string& folder, const std::string& arguments) const {
+        const std::string command = "cd '" + folder + "' && '" VORN_PROGRAM "' " + arguments +
+                                    " >'" + mFolder / "out.txt" + "' 2>'" + mFolder / "error.txt" +
+                                    "' </dev/null";
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
                 Vorn::TextFromFile(mFolder / "out.txt"), Vorn::TextFromFile(mFolder / "error.txt")};

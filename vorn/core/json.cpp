@@ -2,6 +2,7 @@
 #include "vorn/core/json.hpp"
 
 #include "vorn/core/data_error.hpp"
+#include "vorn/core/json_faults.hpp"
 
 // JsonCpp marks these two as superseded. They are the ones that give back what they read of a
 // broken text, and the styled form that our files are written in.
@@ -74,19 +75,28 @@ T Read(const Json::Value* value, std::string_view key, const T& fallback, const 
 } // namespace
 
 Json::Value ParseJson(std::string_view text) {
-    bool whole = false;
-    return ParseJson(text, whole);
+    std::vector<JsonFault> faults;
+    return ParseJson(text, faults);
 }
 
 Json::Value ParseJson(std::string_view text, bool& whole) {
+    std::vector<JsonFault> faults;
+    Json::Value root = ParseJson(text, faults);
+    whole = faults.empty();
+    return root;
+}
+
+Json::Value ParseJson(std::string_view text, std::vector<JsonFault>& faults) {
     const ClassicLocale classic;
     Json::Value root;
     Json::Reader reader;
-    whole = false;
     try {
         // Without its comments, for which JsonCpp takes time by the square of their number.
-        whole = reader.parse(text.data(), text.data() + text.size(), root, false);
-    } catch (const Json::Exception&) {
+        if (!reader.parse(text.data(), text.data() + text.size(), root, false))
+            for (const Json::Reader::StructuredError& error : reader.getStructuredErrors())
+                faults.push_back({static_cast<std::size_t>(error.offset_start), error.message});
+    } catch (const Json::Exception& exception) {
+        faults.push_back({0, exception.what()});
         return {};
     }
     if (!root.isObject())

@@ -82,11 +82,18 @@ void ModelLoader::Open(std::string path, Mesh& mesh) {
         file->clear();
     };
     const std::unique_ptr<std::ifstream, decltype(close)> closer(&mFile, close);
-    if (OpenFile(path, mFile, mLeft)) {
+    mWhole = OpenFile(path, mFile, mLeft);
+    if (mWhole) {
         skip(ChunkWords);
         ExtractMesh(mesh);
+        // Behind a chunk the file may end; what is not there reads as nothing.
+        bool whole = mWhole;
+        const bool hasSkeleton = mLeft > 0;
         ExtractSkeleton(mesh);
+        whole = whole && (mWhole || !hasSkeleton);
+        const bool hasAnimation = mLeft > 0;
         ExtractAnimation(mesh);
+        mWhole = whole && (mWhole || !hasAnimation);
     }
     Reload(mesh);
 }
@@ -200,13 +207,15 @@ void ModelLoader::ExtractAnimation(Mesh& mesh) {
     if (read(&duration, sizeof duration) == sizeof duration)
         mesh.mDuration = duration;
     const std::uint32_t tracks = readCount();
-    for (std::uint32_t track = 0; track < tracks && mLeft > 0; ++track) {
+    std::uint32_t track = 0;
+    for (; track < tracks && mLeft > 0; ++track) {
         const std::uint32_t keys = readCount();
         if (track < mesh.mBones.size())
             extractKeys(mesh.mBones[track], keys);
         else
             skip(std::uint64_t{keys} * KeySize);
     }
+    mWhole = mWhole && track == tracks;
 }
 
 void ModelLoader::extractKeys(Bone& bone, std::uint32_t count) {
@@ -218,8 +227,10 @@ void ModelLoader::extractKeys(Bone& bone, std::uint32_t count) {
         bone.mKeys.push_back({f[0], Vector3(f[1], f[2], f[3]), Quaternion(wxyz)});
     }
     bone.mKeyCount = static_cast<std::uint32_t>(bone.mKeys.size());
-    if (there < count)
+    if (there < count) {
         skip(mLeft); // a key that is cut in its middle
+        mWhole = false;
+    }
 }
 
 /// Bytes that the file still had.
@@ -227,10 +238,12 @@ std::size_t ModelLoader::read(void* data, std::size_t size) {
     mFile.read(static_cast<char*>(data), static_cast<std::streamsize>(size));
     const auto got = static_cast<std::size_t>(mFile.gcount());
     mLeft = got == size ? mLeft - std::min<std::uint64_t>(mLeft, size) : 0;
+    mWhole = mWhole && got == size;
     return got;
 }
 
 void ModelLoader::skip(std::uint64_t size) {
+    mWhole = mWhole && size <= mLeft;
     size = std::min(size, mLeft);
     // A seek drops what the stream has read ahead, which is dear where little is passed over often.
     if (size <= ChunkSize)
@@ -245,11 +258,12 @@ std::uint32_t ModelLoader::readCount() {
     return read(&count, sizeof count) == sizeof count ? count : 0;
 }
 
-std::uint32_t ModelLoader::trustedCount(std::uint32_t count, std::size_t recordSize) const {
+std::uint32_t ModelLoader::trustedCount(std::uint32_t count, std::size_t recordSize) {
     const std::uint64_t asked = std::uint64_t{count} * recordSize;
-    if (asked > mLeft + MaxBeyondFile)
-        return static_cast<std::uint32_t>(mLeft / recordSize);
-    return count;
+    if (asked <= mLeft + MaxBeyondFile)
+        return count;
+    mWhole = false;
+    return static_cast<std::uint32_t>(mLeft / recordSize);
 }
 
 } // namespace Vorn

@@ -25,6 +25,9 @@ public:
     /// Whatever was in the mesh's memory is freed first, and its device buffers are forgotten: they
     /// are Release's. A file that cannot be opened gives an empty mesh.
     void Open(std::string path, Mesh& mesh);
+    /// Whether the last Open found a file with all that its counts promise. One that ends behind
+    /// the vertices or behind the skeleton, in place of further chunks, is whole.
+    bool Whole() const { return mWhole; }
     /// Makes both device buffers from what is in memory. What they were is forgotten; where they
     /// cannot be made they are null.
     void Reload(Mesh& mesh);
@@ -43,9 +46,10 @@ private:
     std::size_t read(void* data, std::size_t size);
     void skip(std::uint64_t size);
     std::uint32_t readCount();
-    std::uint32_t trustedCount(std::uint32_t count, std::size_t recordSize) const;
+    std::uint32_t trustedCount(std::uint32_t count, std::size_t recordSize);
 
     std::ifstream mFile;
+    bool mWhole = false;
     std::uint64_t mLeft = 0; // bytes of the file that were not read yet
 };
 

@@ -42,6 +42,13 @@ public:
             throw std::out_of_range("invalid map<K, T> key");
         return &found->second;
     }
+    /// Calls `visit(name, resource)` for each entry, in the order of the names. Nothing may be
+    /// loaded or unloaded meanwhile.
+    template <typename Visit>
+    void ForEach(Visit visit) {
+        for (auto& [name, resource] : mResources)
+            visit(name, resource);
+    }
 
 protected:
     /// Whether the name is there; the second argument is not looked at.

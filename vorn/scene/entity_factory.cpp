@@ -51,7 +51,7 @@ void EntityFactory::LoadEntity(const char* path) {
                   const Json::Value root = ParseJson(text);
                   const std::string type = JsonString(root, "Type", "");
                   const unsigned int poolSize = JsonUInt(root, "Pool", 0);
-                  pool(type).LoadMaster(text, poolSize);
+                  pool(type, path).LoadMaster(text, poolSize);
               });
 }
 
@@ -60,7 +60,7 @@ void EntityFactory::LoadVariant(const char* path) {
     ReadingIn([path] { return path; },
               [&] {
                   const std::string type = JsonString(ParseJson(text), "Type", "");
-                  EntityPoolBase& home = pool(type);
+                  EntityPoolBase& home = pool(type, path);
                   const Entity* variant = home.LoadVariant(text);
                   if (!variant)
                       throw DataError("the pool \"" + type + "\" made no variant of the file");
@@ -71,7 +71,7 @@ void EntityFactory::LoadVariant(const char* path) {
 Entity* EntityFactory::FetchEntity(const std::string& type, const std::string& variant) {
     Entity* entity = pool(type).Fetch(variant);
     if (!entity)
-        throw std::runtime_error("the pool \"" + type + "\" has no entity \"" + variant + '"');
+        throw DataError("the pool \"" + type + "\" has no entity \"" + variant + '"');
     return entity;
 }
 
@@ -85,11 +85,11 @@ void EntityFactory::GetEntityList(std::vector<std::string>& out) const {
         out.push_back(entry.first);
 }
 
-EntityPoolBase& EntityFactory::pool(const std::string& key) const {
+EntityPoolBase& EntityFactory::pool(const std::string& key, const char* file) const {
     const auto found = mPools.find(key);
     if (found == mPools.end() || !found->second)
         throw std::out_of_range("invalid unordered_map<K, T> key: no pool is registered under \"" +
-                                key + '"');
+                                key + '"' + (file ? std::string(" in ") + file : ""));
     return *found->second;
 }
 

@@ -12,9 +12,9 @@
 // share one key space, and a variant named like a type takes that key over. The factory does not
 // own the pools.
 //
-// Every operation that looks a key up raises std::out_of_range, with the key in its text, when no
-// pool is registered under it. Faults in files raise DataError or what the pool raises; nothing is
-// registered under a new key then.
+// Every operation that looks a key up raises std::out_of_range, with the key in its text, and the
+// file if there is one, when no pool is registered under it. Faults in files raise DataError or
+// what the pool raises; nothing is registered under a new key then.
 #pragma once
 
 #include "vorn/core/api.hpp"
@@ -39,7 +39,7 @@ public:
     void LoadEntity(const char* path);
     void LoadVariant(const char* path);
 
-    /// Raises std::runtime_error that names key and variant when the pool hands out null.
+    /// Raises DataError that names key and variant when the pool hands out null.
     Entity* FetchEntity(const std::string& type, const std::string& variant);
     /// The entity of a variant by its alias: `name` is the key and the variant.
     Entity* FetchEntity(const std::string& name) { return FetchEntity(name, name); }
@@ -52,7 +52,8 @@ public:
     void Debug() {}
 
 private:
-    EntityPoolBase& pool(const std::string& key) const;
+    /// `file` is where the key stands, for the text of an error.
+    EntityPoolBase& pool(const std::string& key, const char* file = nullptr) const;
 
     std::unordered_map<std::string, EntityPoolBase*> mPools;
 };

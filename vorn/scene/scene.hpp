@@ -100,6 +100,8 @@ public:
 
     void ResourcePack(const std::string& name) { mResourcePack = name; }
     const std::string& ResourcePack() const { return mResourcePack; }
+    /// The file that DeserializePath read last, or tried to; empty without one.
+    const std::string& Path() const { return mPath; }
     const Json::Value& EntitiesValue() const { return mEntitiesValue; }
     const std::list<Entity*>& EntityList() const { return mEntityList; }
 

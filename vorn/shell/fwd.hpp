@@ -4,5 +4,6 @@
 namespace Vorn {
 
 class Engine;
+struct CrashPage;
 
 } // namespace Vorn

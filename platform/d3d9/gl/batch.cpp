@@ -19,7 +19,8 @@ const GlBuffer* Of(const GpuBuffer* buffer) {
 
 } // namespace
 
-void Batch::Open(const State& state, const Primitive& primitive, Program& program) {
+void Batch::Open(const State& state, const FormatTraits& traits, const Primitive& primitive,
+                 Program& program) {
     mOpen = true;
     count = 0;
     mProgram = &program;
@@ -31,6 +32,7 @@ void Batch::Open(const State& state, const Primitive& primitive, Program& progra
     mBlend = state.blend;
     mAlphaTest = state.alphaTest;
     mFormat = state.format->id;
+    mTraits = traits;
     mVertices = state.vertices;
     mVertexOffset = state.vertexOffset;
     mStride = state.stride;
@@ -72,6 +74,11 @@ bool Batch::Takes(const State& state, unsigned int groups, const Primitive& prim
                  [&] {
                      return !mPrimitive.indexed ||
                             (state.indices == mIndices && state.wideIndices == mWideIndices);
+                 }) &&
+           keeps(Changed::Lights | Changed::Stage | Changed::Textures,
+                 [&] {
+                     return mProgram->parts.vertex ||
+                            KeyOf(state, mTraits) == mProgram->parts.fixed;
                  }) &&
            keeps(Changed::Textures | Changed::Samplers, [&] { return samplesTheSame(state); }) &&
            keeps(Changed::Target, [&] { return state.target == mTarget; }) &&

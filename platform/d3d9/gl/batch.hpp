@@ -13,8 +13,9 @@ namespace VornPlatform {
 
 class Batch {
 public:
-    /// Copies of State's values that a draw of two shaders depends on.
-    void Open(const State& state, const Primitive& primitive, Program& program);
+    /// Copies of State's values that a draw of the program depends on.
+    void Open(const State& state, const FormatTraits& traits, const Primitive& primitive,
+              Program& program);
     /// The draw is the same as those before, but for its constants.
     /// @param groups in which the state may differ from theirs
     bool Takes(const State& state, unsigned int groups, const Primitive& primitive) const;
@@ -45,6 +46,7 @@ private:
     BlendState mBlend;
     AlphaTest mAlphaTest;
     unsigned int mFormat = 0; // its id
+    FormatTraits mTraits = {};
     const GpuBuffer* mVertices = nullptr;
     UINT mVertexOffset = 0, mStride = 0;
     const GpuBuffer* mIndices = nullptr;

@@ -153,17 +153,23 @@ FixedFunctionKey KeyOf(const State& state, const FormatTraits& format) {
     return key;
 }
 
-std::string FixedVertexSource(const FixedFunctionKey& key, const std::vector<Varying>& varyings) {
+std::string FixedVertexSource(const FixedFunctionKey& key, const std::vector<Varying>& varyings,
+                              UINT blocks) {
     const bool lit = key.lighting == Lighting::Lit;
     std::string source = "#define LIGHT_SIZE " + std::to_string(LightVectors) +
                          "\n#define LIGHT_VECTORS " + std::to_string(LightVectors * MaxLights) +
                          R"(
-layout(location = 0) uniform mat4 vp_worldViewProjection;
 layout(location = 2) uniform mat4 vp_textureMatrix;
 layout(location = 0) in vec4 position;
 layout(location = 2) in vec4 color;
 layout(location = 4) in vec2 texcoord;
 )";
+    if (blocks)
+        source += MergedRecordSource + ("layout(std140, binding = 0) uniform vp_B0 { mat4 vp_g[" +
+                                        std::to_string(blocks) +
+                                        "]; };\n#define vp_worldViewProjection vp_g[VP_RECORD]\n");
+    else
+        source += "layout(location = 0) uniform mat4 vp_worldViewProjection;\n";
     if (lit)
         source += LightSource;
     source += "void main() {\n    gl_Position = vp_worldViewProjection * position;\n";

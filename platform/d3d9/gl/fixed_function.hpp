@@ -55,6 +55,12 @@ enum : int {
 inline constexpr const char* PlacePosition =
     "    gl_Position.xy = gl_Position.xy * vp_place.xy + gl_Position.w * vp_place.zw;\n";
 
+/// Before a vertex shader of draws that are merged: VP_RECORD is the number of the vertex's draw.
+inline constexpr const char* MergedRecordSource =
+    "layout(location = 65) uniform int vp_firstRecord;\n"
+    "layout(location = 66) uniform int vp_recordShift;\n"
+    "#define VP_RECORD (vp_firstRecord + (gl_VertexID >> vp_recordShift))\n";
+
 /// What goes from stage to stage, four numbers each: `vp_v10_0` for the colour.
 struct Varying {
     BYTE usage, index;
@@ -69,7 +75,10 @@ inline constexpr Varying TextureCoordinates = {D3DDECLUSAGE_TEXCOORD, 0};
 
 /// Behind the declarations of what all programs have. The vertex stage writes all of the
 /// varyings, which are none but the two above.
-std::string FixedVertexSource(const FixedFunctionKey& key, const std::vector<Varying>& varyings);
+/// @param blocks as many draws are one, with a matrix each; 0: a draw by itself. Only of a key that
+///               is neither lit nor has its coordinates transformed.
+std::string FixedVertexSource(const FixedFunctionKey& key, const std::vector<Varying>& varyings,
+                              UINT blocks);
 /// What is not among the varyings is white, or 0.
 std::string FixedPixelSource(const FixedFunctionKey& key, const std::vector<Varying>& varyings);
 /// The last lines of every pixel stage.

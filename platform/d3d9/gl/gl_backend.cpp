@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3d9/gl/gl_backend.hpp"
+#include "platform/control/vorn_overlay.hpp"
+#include "platform/window/window.hpp"
 
 namespace VornPlatform {
 
@@ -14,6 +16,8 @@ GlBackend::GlBackend(std::unique_ptr<GlContext> context) : mContext(std::move(co
 
 GlBackend::~GlBackend() {
     const bool lives = MakeCurrent();
+    if (mOverlaid && GetOverlay())
+        GetOverlay()->OnContextLost(lives);
     mStream.Free(lives);
     mRing.Free(lives);
     if (!lives)
@@ -31,6 +35,13 @@ std::unique_ptr<GpuTexture> GlBackend::CreateTexture(const TextureDesc& desc) {
 
 std::unique_ptr<GpuBuffer> GlBackend::CreateBuffer(BufferKind kind, UINT size) {
     return MakeCurrent() ? GlBuffer::Make(*this, kind, size) : nullptr;
+}
+
+bool GlBackend::Takes(const ShaderCode& code) {
+    const bool isVertex = code.stage == ShaderStage::Vertex;
+    const ProgramParts parts = {isVertex ? &code : nullptr, isVertex ? nullptr : &code, {}};
+    return !MakeCurrent() || Compiles(isVertex ? GL_VERTEX_SHADER : GL_FRAGMENT_SHADER,
+                                      isVertex ? VertexSourceOf(parts) : PixelSourceOf(parts));
 }
 
 // OpenGL unbinds what is deleted, and may give the same name again.
@@ -78,6 +89,10 @@ void GlBackend::Present(GpuTexture& backBuffer, UINT width, UINT height, HWND ha
     if (!MakeCurrent())
         return;
     Flush();
+    mLonely = 0; // the next frame may be another
+    mAloneFor = LeastAlone;
+    if (GetOverlay())
+        drawOverlay(*GetOverlay(), Of(&backBuffer), width, height, handle);
     SDL_Window* window = mContext->MakeCurrentFor(handle);
     if (!window) {
         glFlush();
@@ -95,6 +110,30 @@ void GlBackend::Present(GpuTexture& backBuffer, UINT width, UINT height, HWND ha
                            shownHeight, shownWidth, 0, GL_COLOR_BUFFER_BIT,
                            same ? GL_NEAREST : GL_LINEAR);
     SDL_GL_SwapWindow(window);
+}
+
+void GlBackend::drawOverlay(ScreenOverlay& overlay, const GlTexture* backBuffer, UINT width,
+                            UINT height, HWND handle) {
+    glBindFramebuffer(GL_FRAMEBUFFER, mFramebuffers.Of(backBuffer, nullptr));
+    mOutput.Scissor(false);
+    mOutput.WriteAll();
+    // Beforehand, since it may raise.
+    forgetState();
+    mOverlaid = true;
+    const HWND__* window = LiveWindow(handle);
+    overlay.OnPresent(window ? window->window : nullptr, static_cast<int>(width),
+                      static_cast<int>(height));
+}
+
+void GlBackend::forgetState() {
+    mOutput.Forget();
+    mUnits.Forget();
+    mUnits.ForgetSamplers();
+    mBoundFramebuffer.Forget();
+    mBoundProgram.Forget();
+    mBoundArray.Forget();
+    mPointSize.Forget();
+    mPending = Changed::All;
 }
 
 } // namespace VornPlatform

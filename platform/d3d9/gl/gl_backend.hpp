@@ -23,6 +23,8 @@
 
 namespace VornPlatform {
 
+class ScreenOverlay;
+
 class GlBackend final : public Backend {
 public:
     explicit GlBackend(std::unique_ptr<GlContext> context);
@@ -30,6 +32,7 @@ public:
 
     std::unique_ptr<GpuTexture> CreateTexture(const TextureDesc& desc) override;
     std::unique_ptr<GpuBuffer> CreateBuffer(BufferKind kind, UINT size) override;
+    bool Takes(const ShaderCode& code) override;
     void Clear(const Target& target, const RECT& rect, DWORD flags, D3DCOLOR color,
                float z) override;
     void Draw(const State& state, unsigned int changed, const Primitive& primitive) override;
@@ -72,10 +75,15 @@ private:
     bool joinBatch(const State& state, const Primitive& primitive);
     void openBatch(const State& state, const Primitive& primitive);
     bool addBlock(const State& state);
+    const void* blockOf(const State& state);
     static void loadRecords(Program& program, int first, int shift);
     void drawCopies(const MeshKey& key, const MeshCopy& mesh);
     void drawOneByOne(const MeshKey& key);
     void freeMeshes();
+
+    void drawOverlay(ScreenOverlay& overlay, const GlTexture* backBuffer, UINT width, UINT height,
+                     HWND window);
+    void forgetState();
 
     std::unique_ptr<GlContext> mContext;
     Framebuffers mFramebuffers;
@@ -87,11 +95,16 @@ private:
     Batch mBatch;
     MeshCopies mMeshes;
     UINT mMerging = 0; // draws that the next one may be merged with
+    UINT mLonely = 0;  // batches of one draw, in a row
+    // Draws since that was found to earn nothing, and how many go before the next try.
+    static constexpr UINT LeastAlone = 256;
+    UINT mAlone = 0, mAloneFor = LeastAlone;
 
     // Groups that the next draw looks at, whatever the device says.
     unsigned int mPending = Changed::All;
     VertexArray* mArray = nullptr;
     Program* mProgram = nullptr;
+    bool mOverlaid = false;    // an overlay has drawn in the context
     bool mBlocksLoaded = true; // else there was no memory, and nothing can be drawn
 
     Versioned mWorldViewProjection, mWorldView, mTextureMatrix;

@@ -275,7 +275,7 @@ void GlBackend::loadUniforms(const State& state, bool lines) {
         glUniform4fv(Uniform::Place, 1, mOutput.Place(lines).data());
     program.place = place;
     const FixedFunctionKey& key = program.parts.fixed;
-    if (!program.parts.vertex) {
+    if (!program.parts.vertex && program.parts.blocks == 0) {
         load(Uniform::WorldViewProjection, mWorldViewProjection, program.worldViewProjection);
         if (key.transformed)
             load(Uniform::TextureMatrix, mTextureMatrix, program.textureMatrix);

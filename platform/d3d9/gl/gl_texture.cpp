@@ -4,6 +4,7 @@
 #include "platform/d3d9/gl/gl_backend.hpp"
 
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace VornPlatform {
@@ -76,6 +77,8 @@ void GlTexture::Write(UINT level, const RECT& rect, const void* pixels, UINT pit
     if (box.Empty() || mFormat.depth || !mBackend.MakeCurrent())
         return;
     mBackend.Flush();
+    if (level > 0)
+        FinishMips();
     if (mFormat.compressed)
         return writeBlocks(level, rect, pixels, pitch);
     const auto write = [&](GLint y, GLsizei height, const void* from) {
@@ -122,6 +125,8 @@ bool GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
     if (box.Empty() || mFormat.depth || mFormat.compressed || !mBackend.MakeCurrent())
         return false;
     mBackend.Flush();
+    if (level > 0)
+        FinishMips();
     // In one go, then apart: the pitch need not be a whole number of pixels.
     const std::size_t rowBytes = Size(box.width) * mFormat.bytes;
     std::vector<BYTE> packed;
@@ -148,7 +153,12 @@ void GlTexture::GenerateMips() {
     if (mFormat.compressed || mFormat.depth || !mBackend.MakeCurrent())
         return;
     mBackend.Flush();
-    glGenerateTextureMipmap(mName);
+    mMipsAreOld = true;
+}
+
+void GlTexture::FinishMips() const {
+    if (std::exchange(mMipsAreOld, false))
+        glGenerateTextureMipmap(mName);
 }
 
 } // namespace VornPlatform

@@ -20,7 +20,11 @@ public:
 
     void Write(UINT level, const RECT& rect, const void* pixels, UINT pitch) override;
     bool Read(UINT level, const RECT& rect, void* pixels, UINT pitch) override;
+    /// Put off until somebody looks at them. A target is drawn in each frame and most often sampled
+    /// without them, and on a renderer in software they cost more than a pass over the target.
     void GenerateMips() override;
+    /// For who samples or reads them. With a current context.
+    void FinishMips() const;
 
     GLuint Name() const { return mName; }
     const GlFormat& Format() const { return mFormat; }
@@ -34,6 +38,7 @@ private:
     GlBackend& mBackend;
     const GlFormat& mFormat;
     GLuint mName = 0;
+    mutable bool mMipsAreOld = false;
 };
 
 inline const GlTexture* Of(const GpuTexture* texture) {

@@ -199,4 +199,10 @@ void OutputState::WriteAll() {
         glDepthMask(GL_TRUE);
 }
 
+void OutputState::Forget() {
+    const auto forget = [](auto&... shadows) { (shadows.Forget(), ...); };
+    forget(mViewport, mDepthRange, mScissor, mScissorOn, mFill, mCullOn, mCull, mDepthOn,
+           mDepthWrite, mDepthFunction, mBlendOn, mFactors, mFactor, mEquation, mWriteMask);
+}
+
 } // namespace VornPlatform

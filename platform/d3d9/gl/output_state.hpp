@@ -32,6 +32,8 @@ public:
     void Scissor(bool on);
     /// Every channel and depth.
     void WriteAll();
+    /// Somebody else has drawn: nothing is known of OpenGL's state.
+    void Forget();
 
 private:
     struct Factors {

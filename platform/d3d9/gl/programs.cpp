@@ -46,7 +46,7 @@ bool IsAsLaidOut(const Program& program) {
     GLint size = 0;
     if (block != GL_INVALID_INDEX)
         glGetActiveUniformBlockiv(program.name, block, GL_UNIFORM_BLOCK_DATA_SIZE, &size);
-    return static_cast<UINT>(size) == program.parts.blocks * program.parts.vertex->blockSize;
+    return static_cast<UINT>(size) == program.parts.blocks * BlockSizeOf(program.parts);
 }
 
 UINT MostMerged(const ProgramParts& parts) {
@@ -56,11 +56,19 @@ UINT MostMerged(const ProgramParts& parts) {
         return 0;
     GLint bytes = 0;
     glGetIntegerv(GL_MAX_UNIFORM_BLOCK_SIZE, &bytes);
-    const UINT blocks = static_cast<UINT>(std::min(bytes, MostBytes)) / parts.vertex->blockSize;
+    const UINT blocks = static_cast<UINT>(std::min(bytes, MostBytes)) / BlockSizeOf(parts);
     return blocks >= Least ? blocks : 0;
 }
 
 } // namespace
+
+bool Compiles(GLenum stage, const std::string& source) {
+    const GLuint shader = Compile(stage, source);
+    GLint compiled = GL_FALSE;
+    glGetShaderiv(shader, GL_COMPILE_STATUS, &compiled);
+    glDeleteShader(shader);
+    return compiled == GL_TRUE;
+}
 
 GLuint LinkProgram(const std::string& vertexSource, const std::string& pixelSource) {
     const GLuint shaders[] = {Compile(GL_VERTEX_SHADER, vertexSource),
@@ -112,6 +120,11 @@ Program& Programs::Of(const ProgramParts& parts, const std::shared_ptr<const Sha
 
 UINT Programs::Merges(const std::shared_ptr<const ShaderCode>* vertex,
                       const std::shared_ptr<const ShaderCode>* pixel) {
+    static const std::shared_ptr<const ShaderCode> fixedFunction;
+    if (!vertex)
+        vertex = &fixedFunction;
+    if (!pixel)
+        pixel = &fixedFunction;
     if (mLastPair && mLastPair->vertex == *vertex && mLastPair->pixel == *pixel)
         return mLastPair->merges;
     const ProgramParts parts = {vertex->get(), pixel->get(), {}};

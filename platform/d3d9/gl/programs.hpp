@@ -12,6 +12,7 @@
 
 namespace VornPlatform {
 
+bool Compiles(GLenum stage, const std::string& source);
 /// 0 if the driver does not take the sources.
 GLuint LinkProgram(const std::string& vertexSource, const std::string& pixelSource);
 
@@ -40,7 +41,7 @@ public:
     /// Good until Free. The holders are those of the two shaders.
     Program& Of(const ProgramParts& parts, const std::shared_ptr<const ShaderCode>* vertex,
                 const std::shared_ptr<const ShaderCode>* pixel);
-    /// As many draws of the pair as can be merged, or 0.
+    /// As many draws of the pair as can be merged, or 0. The holders may be null.
     UINT Merges(const std::shared_ptr<const ShaderCode>* vertex,
                 const std::shared_ptr<const ShaderCode>* pixel);
     /// Time to free them: a host may make shader after shader.

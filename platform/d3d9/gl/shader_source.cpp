@@ -99,12 +99,7 @@ std::string WithoutLayout(std::string text) {
 std::string MergedBlocksOf(const ShaderCode& code, UINT blocks) {
     return WithoutLayout(code.structs) + "\nstruct vp_T {\n" + WithoutLayout(code.members) +
            "\n};\nlayout(std140, row_major, binding = 0) uniform vp_B0 { vp_T vp_g[" +
-           std::to_string(blocks) +
-           "]; };\n"
-           "layout(location = 65) uniform int vp_firstRecord;\n"
-           "layout(location = 66) uniform int vp_recordShift;\n"
-           "int vp_record;\n"
-           "#define " +
+           std::to_string(blocks) + "]; };\n" + MergedRecordSource + "int vp_record;\n#define " +
            code.blockName + " vp_g[vp_record]\n";
 }
 
@@ -165,7 +160,7 @@ std::string ShaderVertexSource(const ProgramParts& parts, const std::vector<Vary
         source += HandedOnOf(*parts.pixel, "flat out");
     source += attributes + BodyOf(code) + "void main() {\n";
     if (parts.blocks)
-        source += "    vp_record = vp_firstRecord + (gl_VertexID >> vp_recordShift);\n";
+        source += "    vp_record = VP_RECORD;\n";
     source += fill + "    shader_main();\n";
     if (parts.blocks)
         for (const BlockMember& member : ReadsOf(*parts.pixel))
@@ -225,9 +220,15 @@ bool ShareBlock(const ProgramParts& parts) {
 }
 
 bool MayMerge(const ProgramParts& parts) {
+    if (!parts.vertex || !parts.pixel)
+        return !parts.vertex && !parts.pixel;
     const ShaderCode &vertex = *parts.vertex, &pixel = *parts.pixel;
     return vertex.blockSize > 0 && vertex.blocksInArray && vertex.registers.empty() &&
            (pixel.blockSize == 0 || ShareBlock(parts)) && FewReads(pixel);
+}
+
+UINT BlockSizeOf(const ProgramParts& parts) {
+    return parts.vertex ? parts.vertex->blockSize : UINT(sizeof(D3DMATRIX));
 }
 
 bool SetsPointSize(const ProgramParts& parts) {
@@ -242,7 +243,7 @@ std::string VertexSourceOf(const ProgramParts& parts) {
                              "layout(location = 64) uniform vec4 vp_place;\n" +
                              Declare(varyings, "out");
     return head + (parts.vertex ? ShaderVertexSource(parts, varyings)
-                                : FixedVertexSource(parts.fixed, varyings));
+                                : FixedVertexSource(parts.fixed, varyings, parts.blocks));
 }
 
 std::string PixelSourceOf(const ProgramParts& parts) {

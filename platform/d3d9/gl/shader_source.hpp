@@ -30,8 +30,11 @@ enum : unsigned int { Vertex = 0, Pixel = 1 };
 } // namespace Block
 /// Both shaders are of one effect, and their blocks are one.
 bool ShareBlock(const ProgramParts& parts);
-/// The pair of an effect, whose pixel stage reads little of the block.
+/// The pair of an effect, whose pixel stage reads little of the block; or none: what the fixed
+/// function needs of each draw is a matrix, as long as nothing is lit and no coordinates move.
 bool MayMerge(const ProgramParts& parts);
+/// Of what each of the draws has for itself. (unit: bytes)
+UINT BlockSizeOf(const ProgramParts& parts);
 /// Else points are one pixel large.
 bool SetsPointSize(const ProgramParts& parts);
 

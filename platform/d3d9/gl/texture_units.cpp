@@ -8,6 +8,8 @@ namespace VornPlatform {
 void TextureUnits::Bind(UINT unit, SamplerKind kind, const GlTexture* texture,
                         const Sampler& sampler) {
     const bool isThere = texture && kind == SamplerKind::Flat;
+    if (isThere && sampler.mipFilter != D3DTEXF_NONE)
+        texture->FinishMips();
     Unit& place = mUnits[unit];
     if (const GLuint name = isThere ? texture->Name() : black(kind); place.texture.Set(name))
         glBindTextureUnit(unit, name);
@@ -43,9 +45,13 @@ bool TextureUnits::MakeRoom() {
     if (!mSamplers.Full())
         return false;
     mSamplers.Free();
+    ForgetSamplers();
+    return true;
+}
+
+void TextureUnits::ForgetSamplers() {
     for (Unit& unit : mUnits)
         unit.sampler.Forget();
-    return true;
 }
 
 void TextureUnits::Free() {

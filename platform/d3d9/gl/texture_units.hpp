@@ -18,6 +18,7 @@ public:
     void Bind(UINT unit, SamplerKind kind, const GlTexture* texture, const Sampler& sampler);
     /// A texture is gone.
     void Forget();
+    void ForgetSamplers();
     /// Frees samplers if there are many; true if something has to be bound again.
     bool MakeRoom();
     void Free();

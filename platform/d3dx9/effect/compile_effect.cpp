@@ -195,11 +195,13 @@ private:
                 made.annotations.push_back(ReflectAnnotation(annotation));
             for (const SourceState& state : pass.states) {
                 const StateInfo* info = FindState(state.name);
-                if (info && info->kind == StateKind::VertexShader)
+                if (info && info->kind == StateKind::VertexShader) {
                     readShader(state, made.vertexShader, made.vertexShaderParameter);
-                else if (info && info->kind == StateKind::PixelShader)
+                    made.setsVertexShader = true;
+                } else if (info && info->kind == StateKind::PixelShader) {
                     readShader(state, made.pixelShader, made.pixelShaderParameter);
-                else
+                    made.setsPixelShader = true;
+                } else
                     addState(made.states, state, false);
             }
             technique.passes.push_back(std::move(made));
@@ -233,6 +235,7 @@ private:
     EffectShader compile(const CompileCall& call) {
         GlslShader glsl = CompileStage(text_, call, reflection_, warnings_);
         EffectShader shader;
+        shader.place = call.place;
         for (const UsedSampler& used : UseSamplers(text_, call, glsl))
             shader.samplers.push_back(
                 {used.index, samplerOf(ElementName(used.sampler->parameter->name,
@@ -277,9 +280,9 @@ void NameOrders(ShaderCode& code, const Reflection& reflection) {
 
 GlslShader CompileStage(const ShaderText& text, const CompileCall& call,
                         const Reflection& reflection, std::string& warnings) {
-    const EntryText entry = WriteEntry(text, call);
     GlslShader glsl;
     CallOnLargeStack([&] {
+        const EntryText entry = WriteEntry(text, call);
         std::vector<std::uint32_t> spirv = CompileToSpirv(entry, text.source, call.place, warnings);
         LayOutBlock(spirv, reflection);
         glsl = WriteGlsl(std::move(spirv), entry, call.place);

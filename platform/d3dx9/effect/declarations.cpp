@@ -12,7 +12,7 @@ constexpr std::size_t MaxConstant = 1024;
 
 std::uint64_t Times(std::uint64_t components, const std::vector<UINT>& dimensions) {
     for (const UINT dimension : dimensions)
-        components = std::min(components * dimension, MaxComponents + 1);
+        components = std::min(components * dimension, MaxParameterNumbers + 1);
     return components;
 }
 
@@ -28,7 +28,7 @@ bool Declarations::add(SourceParameter parameter) {
 void Declarations::add(SourceStruct structure) {
     std::uint64_t sum = 0;
     for (const SourceParameter& member : structure.members)
-        sum = std::min(sum + components(member.type, member.dimensions), MaxComponents + 1);
+        sum = std::min(sum + components(member.type, member.dimensions), MaxParameterNumbers + 1);
     structComponents_[structure.name] = sum;
     structIndex_[structure.name] = structs.size();
     structs.push_back(std::move(structure));

@@ -11,7 +11,7 @@
 namespace VornPlatform {
 
 /// Components that a parameter may have.
-constexpr std::uint64_t MaxComponents = 1u << 20;
+constexpr std::uint64_t MaxParameterNumbers = 1u << 20;
 
 class Declarations {
 public:
@@ -25,8 +25,8 @@ public:
     /// What a typedef stands for; other names stay.
     std::string resolveAlias(const std::string& type) const;
 
-    /// All numbers of a type; 0 for a type that is unknown, more than MaxComponents for what is
-    /// larger.
+    /// All numbers of a type; 0 for a type that is unknown, more than MaxParameterNumbers for what
+    /// is larger.
     std::uint64_t components(std::string_view type, const std::vector<UINT>& dimensions) const;
     /// Numbers become those of their components' types: 2.7 of an int is 2.
     void convert(std::vector<double>& numbers, std::string_view type,

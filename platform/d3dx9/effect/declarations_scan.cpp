@@ -200,18 +200,19 @@ void EffectScanner::dimensions(SourceParameter& parameter) {
                 ExpressionReader(cursor_, declarations_, {.anyConstant = true}).read();
             if (!size.isConstant || size.numbers.size() != 1)
                 cursor_.fail(open, "the size of " + parameter.name + " has to be constant");
-            if (!(size.numbers[0] >= 1 && size.numbers[0] <= static_cast<double>(MaxComponents)))
+            if (!(size.numbers[0] >= 1 &&
+                  size.numbers[0] <= static_cast<double>(MaxParameterNumbers)))
                 cursor_.fail(open, "the size of " + parameter.name + " has to be from 1 to " +
-                                       std::to_string(MaxComponents));
+                                       std::to_string(MaxParameterNumbers));
             parameter.dimensions.push_back(static_cast<UINT>(size.numbers[0]));
             blankFrom(from);
             edits_.insert(tokens_[from].position, std::to_string(parameter.dimensions.back()));
         }
         cursor_.expect("]", "behind the size");
     }
-    if (declarations_.components(parameter.type, parameter.dimensions) > MaxComponents)
+    if (declarations_.components(parameter.type, parameter.dimensions) > MaxParameterNumbers)
         cursor_.fail(cursor_.peek(), parameter.name + " is larger than " +
-                                         std::to_string(MaxComponents) + " numbers");
+                                         std::to_string(MaxParameterNumbers) + " numbers");
 }
 
 // `: SEMANTIC`, `: register(c5)`, `: packoffset(c0)`

@@ -80,6 +80,8 @@ HRESULT Effect::makeShaders() {
             result = mHost.MakePixelShader(shader.code, &object);
             made.pixel.reset(object);
         }
+        if (result == D3DERR_INVALIDCALL)
+            throw EffectError(shader.place, "the graphics driver does not take this shader");
         if (FAILED(result))
             return result;
     }
@@ -110,6 +112,8 @@ Effect::Pass Effect::makePass(const EffectPass& pass) const {
     for (const EffectState& state : pass.states)
         if (state.kind != EffectState::Kind::Ignored)
             made.steps.push_back(MakeStep(state, state.index));
+    made.setsVertexShader = pass.setsVertexShader;
+    made.setsPixelShader = pass.setsPixelShader;
     const int vertexShader = shaderOf(pass.vertexShader, pass.vertexShaderParameter);
     const int pixelShader = shaderOf(pass.pixelShader, pass.pixelShaderParameter);
     if (vertexShader >= 0)
@@ -195,8 +199,10 @@ HRESULT Effect::BeginPass(UINT pass) {
         return D3DERR_INVALIDCALL;
     const Pass& begun = mBegun->passes[pass];
     IDirect3DDevice9& device = Device();
-    HRESULT result = device.SetVertexShader(begun.vertexShader);
-    if (SUCCEEDED(result))
+    HRESULT result = D3D_OK;
+    if (begun.setsVertexShader)
+        result = device.SetVertexShader(begun.vertexShader);
+    if (SUCCEEDED(result) && begun.setsPixelShader)
         result = device.SetPixelShader(begun.pixelShader);
     if (FAILED(result))
         return result;

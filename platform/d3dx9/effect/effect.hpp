@@ -14,7 +14,8 @@ namespace VornPlatform {
 
 class Effect final : public DeviceObject<ID3DXEffect> {
 public:
-    /// Raises std::bad_alloc, and std::runtime_error for code that does not hold together.
+    /// Raises std::bad_alloc, EffectError for a shader that the machine does not take, and
+    /// std::runtime_error for code that does not hold together.
     static HRESULT Make(IDirect3DDevice9* device, EffectHost& host,
                         std::shared_ptr<const EffectCode> code, ID3DXEffect** effect);
 
@@ -63,6 +64,7 @@ public:
 private:
     struct Pass {
         std::vector<StateStep> steps;
+        bool setsVertexShader = false, setsPixelShader = false;
         IDirect3DVertexShader9* vertexShader = nullptr; // null: the fixed function
         IDirect3DPixelShader9* pixelShader = nullptr;
     };

@@ -78,6 +78,8 @@ struct EffectSampler {
 
 struct EffectPass {
     std::string name;
+    // Whether the pass says anything of them; else the device keeps what it has.
+    bool setsVertexShader = false, setsPixelShader = false;
     // Indices of EffectCode::shaders; -1 for the fixed function. Or, if the pass names a parameter
     // of that kind, that parameter's index.
     int vertexShader = -1, pixelShader = -1;
@@ -99,6 +101,7 @@ struct EffectShader {
         int sampler = -1; // of EffectCode::samplers
     };
     std::vector<Use> samplers;
+    SourcePlace place; // of its `compile`
 };
 
 struct EffectCode {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3dx9/effect/entry_point.hpp"
 
+#include "platform/d3dx9/effect/hlsl_check.hpp"
 #include "platform/d3dx9/effect/hlsl_rewrite.hpp"
 #include "platform/d3dx9/effect/hlsl_samplers.hpp"
 #include "platform/d3dx9/effect/reached_text.hpp"
@@ -169,6 +170,7 @@ private:
             }
             NameSamplerElements(words, text_.source);
             CheckCalls(text_, words, {0, words.size()}, &call_.place);
+            CheckArgument(text_, words, call_.place);
             given.push_back(std::move(words));
         }
         return given;
@@ -178,12 +180,20 @@ private:
                              const std::vector<std::vector<Word>>& given, std::size_t& next) const {
         if (next < given.size()) {
             const std::vector<Word>& words = given[next++];
-            return JoinWords(words, {0, words.size()});
+            return asArgument(argument, JoinWords(words, {0, words.size()}));
         }
         if (argument.start.end > argument.start.begin)
-            return JoinWords(text_.words, argument.start);
+            return asArgument(argument, JoinWords(text_.words, argument.start));
         throw EffectError(call_.place, "'" + argument.name + "' of '" + call_.entry +
                                            "' is uniform and gets no value");
+    }
+
+    // The compiler hands a number on as what it is.
+    std::string asArgument(const HlslArgument& argument, const std::string& value) const {
+        const std::optional<HlslType> type = text_.types.find(argument.type);
+        const bool isPlain = type && type->isNumeric() && !type->structure &&
+                             type->dimensions.empty() && argument.dimensions.empty();
+        return isPlain ? "(" + argument.type + ")(" + value + ")" : value;
     }
 
     std::string passArgument(const HlslArgument& argument, std::size_t number) {

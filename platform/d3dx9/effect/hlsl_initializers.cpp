@@ -180,12 +180,12 @@ private:
 std::optional<UINT> ConstantOf(const ShaderText& text, WordRange range) {
     const std::string word = JoinWords(text.words, range);
     if (const auto number = ReadNumber(word);
-        number && number->value >= 0 && number->value <= MaxComponents)
+        number && number->value >= 0 && number->value <= MaxShaderNumbers)
         return static_cast<UINT>(number->value);
     for (const SourceParameter& parameter : text.source.parameters)
         if (parameter.isStatic && parameter.name == word && parameter.initial &&
             parameter.initial->numbers.size() == 1 && parameter.initial->numbers[0] >= 0 &&
-            parameter.initial->numbers[0] <= MaxComponents)
+            parameter.initial->numbers[0] <= MaxShaderNumbers)
             return static_cast<UINT>(parameter.initial->numbers[0]);
     return std::nullopt;
 }
@@ -316,7 +316,7 @@ void RewriteArrayCast(ShaderText& text, const VariableTypes& variables, std::siz
         list = "";
     else if (element && elements && ReadNumber(value)) {
         const std::uint64_t count = std::uint64_t(text.types.componentsOf(*element)) * *elements;
-        for (std::uint64_t i = 0; i < std::min<std::uint64_t>(count, MaxComponents); ++i)
+        for (std::uint64_t i = 0; i < std::min<std::uint64_t>(count, MaxShaderNumbers); ++i)
             list += (i ? ", " : "{ ") + value;
     } else if (variable != variables.end() && !variable->second.structure) {
         const HlslType& from = variable->second;

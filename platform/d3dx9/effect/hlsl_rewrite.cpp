@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/d3dx9/effect/hlsl_rewrite.hpp"
 
+#include "platform/d3dx9/effect/hlsl_indices.hpp"
 #include "platform/d3dx9/effect/hlsl_initializers.hpp"
 #include "platform/d3dx9/effect/hlsl_samplers.hpp"
 #include "platform/d3dx9/effect/loop_variables.hpp"
@@ -115,6 +116,26 @@ void SpellTypes(ShaderText& text, bool keepRowMajor) {
     }
 }
 
+// A function of the text may have the name of an intrinsic, and take another number of arguments.
+bool IsOfTheText(const ShaderText& text, std::size_t at) {
+    const Words& words = text.words;
+    const auto [first, last] = text.functionsByName.equal_range(words[at].text);
+    const std::size_t open = NextWord(words, at + 1);
+    if (first == last || !IsIntrinsic(words[at].text) || open >= words.size() ||
+        !words[open].is("("))
+        return first != last;
+    const WordRange inside = {open + 1, Closing(words, open)};
+    const std::size_t count =
+        JoinWords(words, inside) == "void" ? 0 : SplitAtCommas(words, inside).size();
+    return std::any_of(first, last, [&](const auto& named) {
+        const std::vector<HlslArgument>& arguments = text.functions[named.second].arguments;
+        const auto isNeeded = [](const HlslArgument& a) { return a.start.begin == a.start.end; };
+        return count <= arguments.size() &&
+               count >= static_cast<std::size_t>(
+                            std::count_if(arguments.begin(), arguments.end(), isNeeded));
+    });
+}
+
 void MakeNamesSafe(ShaderText& text) {
     Words& words = text.words;
     for (std::size_t i = 0; i < words.size(); ++i) {
@@ -125,8 +146,8 @@ void MakeNamesSafe(ShaderText& text) {
         const bool isMember = before < words.size() && words[before].is(".");
         if (isMember && IsSwizzle(word.text))
             continue;
-        word.text = !isMember && text.functionsByName.contains(word.text) ? FunctionName(word.text)
-                                                                          : SafeName(word.text);
+        word.text =
+            !isMember && IsOfTheText(text, i) ? FunctionName(word.text) : SafeName(word.text);
     }
 }
 
@@ -136,6 +157,17 @@ void CallHelpers(ShaderText& text) {
             IsOneOf(word.text, {"fmod", "ldexp", "frexp", "lit", "texCUBEproj", "tex1D", "tex1Dlod",
                                 "tex1Dbias", "tex1Dproj", "tex1Dgrad"}))
             word.text = "hx_" + word.text;
+}
+
+// Behind it the compiler leaves out what the function returns, and GLSL wants to see that.
+void MakeDiscardsConditional(Words& words) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::size_t end = NextWord(words, i + 1);
+        if (!words[i].is("discard") || end >= words.size() || !words[end].is(";"))
+            continue;
+        words[i].text = "{ if ( true ) discard ; }";
+        words[end].text.clear();
+    }
 }
 
 // `any` and `all` take numbers for truths, which the compiler reads as bits. And `mul` of a whole
@@ -266,10 +298,12 @@ void RewriteHlsl(ShaderText& text, bool keepRowMajor) {
     RewriteLoopVariables(text);
     RewriteSamplers(text);
     CallHelpers(text);
+    MakeDiscardsConditional(text.words);
     SpellArguments(text);
     RewriteMatrixSwizzles(text);
     RewriteInitializers(text);
     SplitWords(text.words);
+    CastIndices(text);
     text.parse();
     TakeOutSemantics(text);
 }

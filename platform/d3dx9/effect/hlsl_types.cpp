@@ -117,9 +117,9 @@ UINT HlslTypes::componentsOf(const HlslType& type) const {
         std::uint64_t count = one;
         for (const std::vector<UINT>* dimensions : {&member.dimensions, &inner->dimensions})
             for (const UINT dimension : *dimensions)
-                count = std::min<std::uint64_t>(count * dimension, MaxComponents + 1);
+                count = std::min<std::uint64_t>(count * dimension, MaxShaderNumbers + 1);
         sum += count;
-        if (count == 0 || sum > MaxComponents)
+        if (count == 0 || sum > MaxShaderNumbers)
             return 0;
     }
     return static_cast<UINT>(sum);
@@ -135,7 +135,7 @@ UINT ElementCount(const std::vector<UINT>& dimensions) {
         return 0;
     std::uint64_t count = 1;
     for (const UINT dimension : dimensions)
-        count = std::min<std::uint64_t>(count * dimension, MaxComponents + 1);
+        count = std::min<std::uint64_t>(count * dimension, MaxShaderNumbers + 1);
     return static_cast<UINT>(count);
 }
 

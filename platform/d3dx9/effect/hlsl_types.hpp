@@ -49,6 +49,6 @@ bool IsSwizzle(std::string_view text);
 UINT ElementCount(const std::vector<UINT>& dimensions);
 
 /// More numbers than any shader has.
-constexpr UINT MaxComponents = 1u << 16;
+constexpr UINT MaxShaderNumbers = 1u << 16;
 
 } // namespace VornPlatform

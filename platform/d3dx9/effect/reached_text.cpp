@@ -2,6 +2,7 @@
 #include "platform/d3dx9/effect/reached_text.hpp"
 
 #include "platform/d3dx9/effect/entry_point.hpp"
+#include "platform/d3dx9/effect/hlsl_check.hpp"
 #include "platform/d3dx9/effect/hlsl_rewrite.hpp"
 
 #include <algorithm>
@@ -50,6 +51,7 @@ ReachedText::ReachedText(const ShaderText& text, const HlslFunction& entry,
         reach(words, {0, words.size()});
     functions_[static_cast<std::size_t>(&entry - text.functions.data())] = true;
     reach(text.words, entry.words);
+    CheckFunctions(text, functions_);
     findWritten();
 
     for (const HlslVariable& variable : text.variables)

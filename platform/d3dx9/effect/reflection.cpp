@@ -41,7 +41,7 @@ public:
         std::vector<UINT> dimensions = parameter.dimensions;
         dimensions.insert(dimensions.end(), type.dimensions.begin(), type.dimensions.end());
         constant.elements = ElementCount(dimensions);
-        if (constant.elements > MaxComponents)
+        if (constant.elements > MaxShaderNumbers)
             throw EffectError(parameter.place, "'" + parameter.name + "' has too many elements");
 
         Shape shape = shapeOf(constant, type);

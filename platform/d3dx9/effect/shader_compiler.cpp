@@ -2,6 +2,8 @@
 #include "platform/d3dx9/effect/shader_compiler.hpp"
 
 #include "platform/d3d9/counters.hpp"
+#include "platform/d3dx9/effect/matrix_columns.hpp"
+#include "platform/d3dx9/effect/spirv_check.hpp"
 #include "platform/d3dx9/effect/spirv_limits.hpp"
 #include "platform/d3dx9/effect/spirv_words.hpp"
 
@@ -150,6 +152,25 @@ void TellRecursion(std::string_view log, const EntryText& entry, const EffectSou
                           "' is called by itself");
 }
 
+std::vector<std::uint32_t> ToSpirv(const glslang::TIntermediate& tree, bool withLines) {
+    glslang::SpvOptions options;
+    options.generateDebugInfo = withLines;
+    std::vector<std::uint32_t> spirv;
+    glslang::GlslangToSpv(tree, spirv, &options);
+    CorrectRemainders(spirv);
+    SplitMatrixFunctions(spirv);
+    return spirv;
+}
+
+// `spirv` has lines, which cost time in all that is well.
+[[noreturn]] void Refuse(const std::vector<std::uint32_t>& spirv, const EffectSource& source,
+                         const SourcePlace& place) {
+    const SpirvFault fault = FindFault(spirv).value_or(SpirvFault());
+    throw EffectError(fault.line > 0 ? PlaceOf(source, static_cast<std::uint32_t>(fault.line - 1))
+                                     : place,
+                      "this has no meaning: " + fault.message);
+}
+
 } // namespace
 
 std::vector<std::uint32_t> CompileToSpirv(const EntryText& entry, const EffectSource& source,
@@ -193,10 +214,10 @@ std::vector<std::uint32_t> CompileToSpirv(const EntryText& entry, const EffectSo
 
     MatrixProducts products(entry.text);
     tree->getTreeRoot()->traverse(&products);
-    std::vector<std::uint32_t> spirv;
-    glslang::GlslangToSpv(*tree, spirv);
-    CorrectRemainders(spirv);
+    std::vector<std::uint32_t> spirv = ToSpirv(*tree, false);
     CheckLimits(spirv, place);
+    if (FindFault(spirv))
+        Refuse(ToSpirv(*tree, true), source, place);
     return spirv;
 }
 

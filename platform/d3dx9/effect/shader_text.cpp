@@ -130,7 +130,7 @@ private:
         while (here("[")) {
             const std::size_t size = NextWord(words_, at_ + 1);
             const auto number = ReadNumber(size < words_.size() ? words_[size].text : "");
-            dimensions.push_back(number && number->value >= 0 && number->value <= MaxComponents
+            dimensions.push_back(number && number->value >= 0 && number->value <= MaxShaderNumbers
                                      ? static_cast<UINT>(number->value)
                                      : 0);
             skipBracket();

@@ -76,7 +76,7 @@ void EffectScanner::fitNumbers(SourceParameter& parameter, Initial& initial, con
             parameter.type, std::vector<UINT>(dimensions.begin() + 1, dimensions.end()));
         const std::uint64_t size =
             element == 0 ? 0 : (initial.numbers.size() + element - 1) / element;
-        if (size == 0 || size > MaxComponents)
+        if (size == 0 || size > MaxParameterNumbers)
             cursor_.fail(start, "the size of " + parameter.name + " is missing");
         dimensions[0] = static_cast<UINT>(size);
         edits_.insert(unsizedAt_, std::to_string(size));

@@ -30,17 +30,17 @@ def shafts(x, y):
 
 
 def backdrop(x, y):
-    deep = (0.008, 0.022, 0.056)
-    color = mix((0.035, 0.195, 0.290), (0.016, 0.082, 0.165), smooth(0.0, 0.50, y))
+    deep = (0.010, 0.034, 0.074)
+    color = mix((0.050, 0.255, 0.365), (0.022, 0.118, 0.220), smooth(0.0, 0.50, y))
     color = mix(color, deep, smooth(0.40, 1.0, y))
     murk = cloud(x * 6, y * 5, 0, 4, 64, 6) - 0.5
     color = tuple(max(0.0, c * (1 + 0.5 * murk)) for c in color)
     light = shafts(x, y)
     color = tuple(c + k * light for c, k in zip(color, (0.030, 0.120, 0.140)))
     # Far rocks, each range nearer and darker than the last, with haze at its feet.
-    for low, high, scale, seed, tone in ((0.46, 0.30, 6, 70, (0.018, 0.086, 0.152)),
-                                         (0.62, 0.36, 9, 80, (0.012, 0.056, 0.112)),
-                                         (0.78, 0.34, 13, 90, (0.006, 0.026, 0.062))):
+    for low, high, scale, seed, tone in ((0.46, 0.30, 6, 70, (0.022, 0.112, 0.192)),
+                                         (0.62, 0.36, 9, 80, (0.016, 0.078, 0.146)),
+                                         (0.78, 0.34, 13, 90, (0.009, 0.038, 0.082))):
         top = low + high * (0.62 - skyline(x, scale, seed))
         inside = smooth(top - 0.003, top + 0.003, y)
         rim = 1 - smooth(0.0, 0.035, y - top)
@@ -57,6 +57,12 @@ def backdrop(x, y):
         tint = (0.3, 0.9, 0.95) if which < 0.93 else (0.7, 0.45, 1.0)
         color = tuple(c + k * glow for c, k in zip(color, tint))
     return mix(color, deep, 0.6 * smooth(0.86, 1.0, y))
+
+
+def trench(x, y):
+    """The same water deeper down: little blue is left, and the rocks stand elsewhere."""
+    r, g, b = backdrop((1.5 - x) % 1, 0.06 + 0.94 * y)
+    return 0.46 * b + 0.9 * r, 0.58 * g + 0.06 * b, 0.98 * b + 0.14 * g
 
 
 # The name. Letters are lines in a field one high; a bow is (centre, radius, from, to) in degrees.
@@ -218,20 +224,34 @@ def cross_icon(x, y):
 
 
 def panel(x, y):
-    """Dark, with round corners and a thin pale edge."""
-    u, v = abs(x - 0.5) * 64, abs(y - 0.5) * 64
-    corner = 13.0
-    a, b = max(0.0, u - (29 - corner)), max(0.0, v - (29 - corner))
-    out = math.hypot(a, b) - corner
-    inside = smooth(0.8, -0.8, out)
-    color = (*mix((0.05, 0.16, 0.22), (0.01, 0.045, 0.085), smooth(0.0, 1.0, y)), 0.82 * inside)
-    color = over(color, 0.45 * band(out, -1.2, 1.4, 0.9), (0.35, 0.85, 0.95))
-    return over(color, 0.18 * smooth(2.8, 0.0, out) * (1 - inside), (0.2, 0.7, 0.9))
+    """Dark, and soft at its edges, so that it can be drawn in any size."""
+    inside = smooth(0.0, 0.20, min(x, 1 - x)) * smooth(0.0, 0.30, min(y, 1 - y))
+    return (*mix((0.02, 0.08, 0.13), (0.01, 0.04, 0.08), y), 0.85 * inside)
 
 
 def vignette(x, y):
     dark = smooth(0.62, 1.42, from_middle(x, y))
     return 0.0, 0.006, 0.016, 0.88 * dark
+
+
+# Light.
+
+def lamplight(x, y):
+    """A halo, and a beam to the right, on black: it is added to the picture."""
+    u, v = x - 0.5, y - 0.5
+    r = 2 * math.hypot(u, v)
+    halo = 0.26 * math.exp(-r / 0.10) + 0.10 * math.exp(-r / 0.30)
+    half = 0.03 + 0.42 * max(u, 0.0)
+    across = math.exp(-(v / (0.55 * half)) ** 2)
+    dust = 0.75 + 0.5 * cloud(x * 9, y * 9, 0, 4, 57)
+    beam = 0.26 * smooth(-0.01, 0.06, u) * across * dust * (1 - smooth(0.05, 0.48, u)) ** 1.3
+    edge = smooth(1.0, 0.6, r)
+    return (*(c * (halo + beam) * edge for c in (1.0, 0.80, 0.48)), 1.0)
+
+
+def sonar(x, y):
+    """One colour: the grid of the pulse has no coordinates of its own."""
+    return 0.10, 0.42, 0.50, 1.0
 
 
 # Particles.
@@ -274,6 +294,7 @@ def seabed(x, z):
 
 def make(folder):
     Canvas(512).all(backdrop).png(f"{folder}/backdrop.png", True)
+    Canvas(512).all(trench).png(f"{folder}/backdrop2.png", True)
     logo().png(f"{folder}/logo.png")
     for name, side, color in (("lamp", 64, lamp_icon), ("pulse", 64, pulse_icon), ("cross", 64, cross_icon),
                               ("panel", 64, panel),
@@ -281,5 +302,7 @@ def make(folder):
                                                                                   bubble), ("smoke", 64,
                                                                                             smoke)):
         Canvas(side, None, (0, 0, 0, 0)).all(color).png(f"{folder}/{name}.png", name == "vignette")
+    Canvas(256, None, (0, 0, 0, 0)).all(lamplight).png(f"{folder}/light.png", True)
+    Canvas(4, None, (0, 0, 0, 0)).all(sonar).png(f"{folder}/sonar.png")
     Canvas(32, None, (0, 0, 0, 0)).all(white).dds(f"{folder}/WhiteParticle.dds")
     bmp(f"{folder}/seabed.bmp", 64, seabed)

@@ -43,9 +43,11 @@ float modR, modG, modB, modA; // 0 to 255: the material's modulation colour
 float addR, addG, addB, addA; // 0 to 255: its additive colour
 float time;                 // length of the last frame (unit: seconds); not used here
 
-static const float3 AmbientShare = float3(0.20, 0.30, 0.42); // what comes down from above is blue
+static const float3 AmbientShare = float3(0.22, 0.33, 0.46); // what comes down from above is blue
 static const float LampReach = 10.0;
-static const float3 FogColour = float3(0.5, 0.55, 0.6);
+static const float3 RimColour = float3(0.16, 0.42, 0.55); // the water shines past edges
+static const float RimDepth = 2.5; // of those near the plane z = 0, where the game is
+static const float3 FogColour = float3(0.010, 0.050, 0.100);
 
 sampler ColourMap = sampler_state
 {
@@ -120,10 +122,13 @@ float4 Phong(Pixel pixel) : COLOR0
     float shine = saturate(dot(mirrored, Direction(cameraPos - pixel.world)));
     float gloss = facing > 0 ? pow(max(shine, 0.0001), max(material.shininess, 0.0001)) : 0;
 
+    float3 above = globalAmbient.rgb * AmbientShare * (0.75 + 0.35 * normal.y);
     float3 lit = material.emissive.rgb
-        + material.ambient.rgb * (globalAmbient.rgb * AmbientShare + lights.ambient.rgb * strength)
+        + material.ambient.rgb * (above + lights.ambient.rgb * strength)
         + material.diffuse.rgb * lights.diffuse.rgb * (saturate(facing) * strength);
-    float3 colour = texel.rgb * lit
+    float edge = 1 - saturate(dot(normal, Direction(cameraPos - pixel.world)));
+    float rim = edge * edge * edge * saturate(1 - abs(pixel.world.z) / RimDepth);
+    float3 colour = texel.rgb * lit + RimColour * rim
         + material.specular.rgb * lights.specular.rgb * (gloss * strength);
     bool unlit = !any(material.ambient) && !any(material.diffuse) && !any(material.emissive)
         && !any(material.specular);
