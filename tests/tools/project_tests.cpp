@@ -33,6 +33,18 @@ TEST_F(ProjectTest, NewWritesAGameUnderItsName) {
               Vorn::TextFromFile("tools/new/template/data/mesh/ball.mesh"));
 }
 
+TEST_F(ProjectTest, NewWritesDataWithoutFaultsAndEditorsFindTheirSchemas) {
+    EXPECT_EQ(Run("new meadow").status, 0);
+    const Outcome check = Run("check meadow");
+    EXPECT_EQ(check.status, 0) << check.out;
+    const Json::Value settings =
+        Vorn::ParseJson(Vorn::TextFromFile(mFolder / "meadow/.vscode/settings.json"));
+    EXPECT_EQ(settings["json.schemas"].size(), 7u);
+    for (const Json::Value& schema : settings["json.schemas"])
+        EXPECT_TRUE(std::filesystem::exists(mFolder.Path() / "meadow" / schema["url"].asString()))
+            << schema["url"].asString();
+}
+
 TEST_F(ProjectTest, NewRefusesWithoutATrace) {
     mFolder.Folder("there");
     mFolder.File("file");
