@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <random>
@@ -50,7 +51,8 @@ std::size_t ResidentBytes() {
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-/// What is held, over a stretch of frames: the least, since what is in the water comes and goes.
+/// What is held while a scene runs, over a stretch of frames: the least, since what is in the water
+/// comes and goes.
 struct Footprint {
     static constexpr std::size_t Most = std::numeric_limits<std::size_t>::max();
 
@@ -68,6 +70,11 @@ struct Footprint {
                                         live.renderToSurfaces + live.dataBuffers +
                                         live.constantTables + live.effects);
         gpu = std::min(gpu, gl.textures + gl.buffers);
+    }
+    void Print(const std::string& scene) const {
+        std::printf("  %-20s %6zu KiB resident, %6zu KiB of heap, %d objects of the device, %d of "
+                    "OpenGL\n",
+                    scene.c_str(), resident >> 10, heap >> 10, objects, gpu);
     }
     /// Pages are the allocator's to keep, and the renderer's for the code that it makes.
     bool HasGrown(const Footprint& since) const {
@@ -160,7 +167,7 @@ void Soak(int frames, unsigned int seed) {
     Pilot pilot(seed);
     auto game = std::make_unique<Game>(Width, Height, ScratchScore());
     int scenes = 0, games = 1;
-    Footprint first, now;
+    std::map<std::string, Footprint> first, now; // by the scene
     for (int frame = 0; frame < frames; ++frame) {
         HoldFrame(frame);
         pilot.Flail(Width, Height);
@@ -181,18 +188,17 @@ void Soak(int frames, unsigned int seed) {
         game->log.clear();
 
         if (frame % look == look - 1)
-            now.Look();
+            now[game->Scene()->Path()].Look();
         if (frame % stretch == stretch - 1) {
-            std::printf("frame %d: %zu KiB resident, %zu KiB of heap, %d objects of the device, %d "
-                        "of OpenGL; %d changes of scene, %d games so far\n",
-                        frame + 1, now.resident >> 10, now.heap >> 10, now.objects, now.gpu, scenes,
+            std::printf("frame %d: %d changes of scene, %d games so far\n", frame + 1, scenes,
                         games);
+            for (const auto& [name, held] : now) {
+                held.Print(name);
+                if (frame >= stretch && held.HasGrown(first.try_emplace(name, held).first->second))
+                    throw std::runtime_error("memory grows in " + name);
+            }
             std::fflush(stdout);
-            if (frame + 1 == 2 * stretch)
-                first = now;
-            if (frame + 1 > 2 * stretch && now.HasGrown(first))
-                throw std::runtime_error("memory grows");
-            now = {};
+            now.clear();
         }
     }
     fate.Print();
