@@ -9,11 +9,13 @@
 #include "dev/scene_reload.hpp"
 #include "dev/stand_ins.hpp"
 #include "dev/time_control.hpp"
+#include "dev/trigger_reload.hpp"
 #include "vorn/scene/scene.hpp"
 #include "vorn/scene/scene_manager.hpp"
 
 #include <exception>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -35,7 +37,7 @@ std::string NameBelow(const char* folder, const std::string& path) {
 }
 
 /// What is needed by others comes before them.
-enum class Kind { Texture, Mesh, Material, Shader, Entity, Scene, Other };
+enum class Kind { Texture, Mesh, Material, Shader, Entity, Scene, Trigger, Other };
 
 Kind KindOf(const std::string& path) {
     const auto isIn = [&](const char* folder) { return !NameBelow(folder, path).empty(); };
@@ -45,6 +47,8 @@ Kind KindOf(const std::string& path) {
         return Kind::Mesh;
     if (isIn("data/mat"))
         return Kind::Material;
+    if (isIn("data/trigger"))
+        return Kind::Trigger;
     const std::string extension = fs::path(path).extension();
     if (extension == ".fx" || extension == ".fxh" || isIn("data/shaders"))
         return Kind::Shader;
@@ -62,6 +66,7 @@ public:
     void Update();
 
     std::vector<std::function<void()>> mPanels;
+    std::map<fs::path, std::function<void()>> mReaders; // the host's own
 
 private:
     void followChanges();
@@ -131,8 +136,12 @@ void DevMode::follow(const std::string& path) {
     if (!fs::is_regular_file(path, fault))
         return; // gone, or between two states; what ran goes on
     try {
-        if (!reload(path))
+        const bool used = reload(path);
+        const auto reader = mReaders.find(Normal(path));
+        if (!used && reader == mReaders.end())
             return;
+        if (reader != mReaders.end())
+            std::function(reader->second)(); // it may put another in its own place
         mMessages.Mended(path);
         mMessages.Note(path);
     } catch (const std::exception& error) {
@@ -157,6 +166,8 @@ bool DevMode::reload(const std::string& path) {
     case Kind::Scene:
         ReloadScene(*SceneManager::Instance()->CurrentScene());
         return true;
+    case Kind::Trigger:
+        return ReloadTrigger(NameBelow("data/trigger", path));
     case Kind::Other:
         return false;
     }
@@ -190,6 +201,15 @@ void Stop() {
 
 bool IsOn() {
     return running != nullptr;
+}
+
+void Follow(const std::string& path, std::function<void()> read) {
+    if (!running)
+        throw std::logic_error("Vorn::Dev::Follow: the mode is off");
+    if (read)
+        running->mReaders[Normal(path)] = std::move(read);
+    else
+        running->mReaders.erase(Normal(path));
 }
 
 void AddPanel(std::function<void()> panel) {

@@ -14,11 +14,11 @@
 // It is off until Start; then all of it is in Update, and in what Present draws on top. F1 opens
 // and closes the panel. docs/dev.md tells what follows which file.
 //
-// A scene, entity, variant, material, texture, model or shader file that changes is read beside
-// what runs, and takes its place when it is whole, within a second. One that is broken changes
-// nothing, and the screen says why until it is mended. Pointers to textures, meshes, materials and
-// entities stay good; those to render targets of Graphic are new after a change of a shader, as
-// after a reset.
+// A scene, entity, variant, material, texture, model, shader or trigger file that changes is read
+// beside what runs, and takes its place when it is whole, within a second. One that is broken
+// changes nothing, and the screen says why until it is mended. Pointers to textures, meshes,
+// materials, triggers and entities stay good; those to render targets of Graphic are new after a
+// change of a shader, as after a reset.
 #pragma once
 
 #include <functional>
@@ -45,6 +45,13 @@ void Update();
 /// off.
 void Stop();
 bool IsOn();
+
+/// For files that the game reads by itself, fonts and tables of its own: `read` is called in Update
+/// when the file has changed, until Stop or until another call for the file takes its place; null
+/// for none. What it raises is told like any fault. Raises std::logic_error while the mode is off.
+///
+///   Vorn::Dev::Follow("data/font/score.fnt", [&] { font.loadCharData("data/font/score.fnt"); });
+void Follow(const std::string& path, std::function<void()> read);
 
 /// What else is to be seen while the panel is open: called inside a frame of Dear ImGui, until
 /// Stop. Raises std::logic_error while the mode is off.

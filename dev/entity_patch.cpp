@@ -140,9 +140,7 @@ void Apply(Entity& entity, const Json::Value& wanted) {
     CompleteBody(entity, patch);
     const Json::Value &graphics = JsonObject(patch, "GraphicsCmpt"),
                       &emitter = JsonObject(patch, "EmitterCmpt");
-    NeedMesh(JsonString(graphics, "Mesh", ""));
-    NeedMaterial(JsonString(graphics, "Material", ""));
-    NeedTexture(JsonString(emitter, "TexturePath", ""));
+    NeedResources(patch);
 
     // A reader takes the position for the local one, whether it has read one or not.
     const Vector3 local = entity.LocalPosition();

@@ -19,7 +19,7 @@
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
-#include <utility>
+#include <tuple>
 
 namespace Vorn::Dev {
 
@@ -43,20 +43,27 @@ void Need(RscManager<T>& store, const char* folder, const std::string& name) {
     store.Load(name);
 }
 
-// The clock stays, so that an animation does not leap.
+void NeedTexture(const std::string& name) {
+    Need(*TextureManager::Instance(), "data/img/", name);
+}
+
+void NeedMaterial(const std::string& name) {
+    if (name.empty() || Find(*MaterialManager::Instance(), name))
+        return;
+    NeedTexture(JsonString(ReadWhole("data/mat/" + name), "Texture", ""));
+    MaterialManager::Instance()->Load(name);
+}
+
+/// All but the clock, which stays so that an animation does not leap.
+auto Content(Mesh& mesh) {
+    return std::tie(mesh.mVertices, mesh.mIndices, mesh.mBones, mesh.mRoots, mesh.mBoneCount,
+                    mesh.mDuration, mesh.mFinalTransforms, mesh.mIndexCount, mesh.mVertexCount,
+                    mesh.mSkinned, mesh.mVertexBuffer, mesh.mIndexBuffer);
+}
+
 void Swap(Mesh& a, Mesh& b) {
-    std::swap(a.mVertices, b.mVertices);
-    std::swap(a.mIndices, b.mIndices);
-    std::swap(a.mBones, b.mBones);
-    std::swap(a.mRoots, b.mRoots);
-    std::swap(a.mBoneCount, b.mBoneCount);
-    std::swap(a.mDuration, b.mDuration);
-    std::swap(a.mFinalTransforms, b.mFinalTransforms);
-    std::swap(a.mIndexCount, b.mIndexCount);
-    std::swap(a.mVertexCount, b.mVertexCount);
-    std::swap(a.mSkinned, b.mSkinned);
-    std::swap(a.mVertexBuffer, b.mVertexBuffer);
-    std::swap(a.mIndexBuffer, b.mIndexBuffer);
+    auto content = Content(a), other = Content(b);
+    content.swap(other); // what they refer to
     if (a.mTime > a.mDuration)
         a.mTime = 0.0f;
 }
@@ -167,19 +174,12 @@ void CheckEffect(const std::string& path) {
     ReleaseObject(effect);
 }
 
-void NeedTexture(const std::string& name) {
-    Need(*TextureManager::Instance(), "data/img/", name);
-}
-
-void NeedMesh(const std::string& name) {
-    Need(*MeshManager::Instance(), "data/mesh/", name);
-}
-
-void NeedMaterial(const std::string& name) {
-    if (name.empty() || Find(*MaterialManager::Instance(), name))
-        return;
-    NeedTexture(JsonString(ReadWhole("data/mat/" + name), "Texture", ""));
-    MaterialManager::Instance()->Load(name);
+void NeedResources(const Json::Value& entity) {
+    const Json::Value &graphics = JsonObject(entity, "GraphicsCmpt"),
+                      &emitter = JsonObject(entity, "EmitterCmpt");
+    Need(*MeshManager::Instance(), "data/mesh/", JsonString(graphics, "Mesh", ""));
+    NeedMaterial(JsonString(graphics, "Material", ""));
+    NeedTexture(JsonString(emitter, "TexturePath", ""));
 }
 
 } // namespace Vorn::Dev

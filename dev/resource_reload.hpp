@@ -5,6 +5,8 @@
 // is not in its store.
 #pragma once
 
+#include <json/value.h>
+
 #include <string>
 
 namespace Vorn::Dev {
@@ -21,11 +23,8 @@ void ReloadShaders();
 /// Compiles an effect that is none of them, and drops it.
 void CheckEffect(const std::string& path);
 
-// Enter a resource that an entity or a material names for the first time.
-
-/// Raise std::runtime_error where there is no file; an empty name is passed over.
-void NeedTexture(const std::string& name);
-void NeedMesh(const std::string& name);
-void NeedMaterial(const std::string& name);
+/// Enters the model, the material with its texture, and the emitter's texture that an entity's
+/// object names and the stores do not have yet. Raises std::runtime_error where there is no file.
+void NeedResources(const Json::Value& entity);
 
 } // namespace Vorn::Dev

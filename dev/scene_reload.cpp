@@ -94,9 +94,7 @@ std::vector<Pair> PairUp(const Json::Value& before, const std::vector<Entity*>& 
 
 void Create(Scene& scene, const Json::Value& element) {
     EntityFactory& factory = *EntityFactory::Instance();
-    const Json::Value& graphics = JsonObject(element, "GraphicsCmpt");
-    NeedMesh(JsonString(graphics, "Mesh", ""));
-    NeedMaterial(JsonString(graphics, "Material", ""));
+    NeedResources(element);
     Entity* entity = factory.FetchEntity(JsonString(element, "Type", "typeless"),
                                          JsonString(element, "Variant", "master"));
     try {
@@ -148,6 +146,8 @@ void EntityFiles::Reload(const std::string& path) {
     const Json::Value after = ReadWhole(path);
     const std::string type = TypeOf(after), variant = JsonString(after, "Variant", "");
     const bool isMaster = ExtensionOf(path) == "ent";
+    // For those, too, that are fetched later.
+    NeedResources(Difference(mKnown[path], after, {}));
     if (isMaster)
         EntityFactory::Instance()->LoadEntity(path.c_str());
     else

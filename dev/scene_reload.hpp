@@ -19,10 +19,10 @@ public:
 
     /// Keeps what a file holds. One that cannot be read is taken for empty.
     void Learn(const std::string& path);
-    /// Gives the file to the factory, and the variants of its master after it; then the parameters
-    /// that have changed in it to the living entities of each template, but for those that an
-    /// entity's element in the scene file names. Raises what reading raises; the templates are as
-    /// before then.
+    /// Enters what the file names for the first time, gives it to the factory, and the variants of
+    /// its master after it; then the parameters that have changed in it to the living entities of
+    /// each template, but for those that an entity's element in the scene file names. Raises what
+    /// reading raises; the templates are as before then.
     void Reload(const std::string& path);
 
 private:

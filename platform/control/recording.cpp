@@ -11,6 +11,7 @@
 #include <SDL.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -109,10 +110,22 @@ private:
     std::int64_t mCounter = 0;
 };
 
+// A desktop's first word is that a window has the focus; without a desktop it has it from the
+// start.
+bool ComesFromDesktop(const Recording& recording) {
+    for (const RecordedFrame& frame : recording)
+        for (const RecordedItem& item : frame.items)
+            if (const auto* recorded = std::get_if<RecordedMessage>(&item);
+                recorded && recorded->message.message == WM_ACTIVATE)
+                return LOWORD(recorded->message.wParam) != WA_INACTIVE;
+    return false;
+}
+
 class Player : public InputSource {
 public:
     void Begin(Recording recording) {
         mRecording = std::move(recording);
+        mTellsFocus = ComesFromDesktop(mRecording);
         mFrame = mItem = mAsked = 0;
         mAhead = false;
         Answered(RunningCounter());
@@ -168,6 +181,8 @@ public:
                mAsked == frame.counters.size();
     }
 
+    bool TellsFocus() const override { return mTellsFocus; }
+
     void operator()(const RecordedMessage& recorded) const {
         MSG message = recorded.message;
         message.hwnd = WindowAt(recorded.window);
@@ -202,7 +217,7 @@ private:
 
     Recording mRecording;
     std::size_t mFrame = 0, mItem = 0, mAsked = 0;
-    bool mAhead = false;
+    bool mAhead = false, mTellsFocus = false;
     std::int64_t mAnswer = 0, mAnsweredAt = 0;
 };
 
@@ -219,8 +234,9 @@ Player& ThePlayer() {
 void EndAtExit() {
     static const bool done = [] {
         return std::atexit([] {
-                   if (Listener())
-                       TheRecorder().End();
+                   if (Listener() && !TheRecorder().End())
+                       std::fprintf(stderr, "cannot write file: %s\n",
+                                    TheRecorder().Path().c_str());
                    if (Source())
                        ThePlayer().End();
                }) == 0;

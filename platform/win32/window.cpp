@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/window.hpp"
+#include "platform/control/environment.hpp"
+#include "platform/window/input_state.hpp"
 #include "platform/window/pump.hpp"
 #include "platform/window/session.hpp"
 
@@ -31,36 +33,43 @@ SDL_Window* MakeWindow(LPCSTR title, DWORD style, int x, int y, int w, int h) {
     return nullptr;
 }
 
-// Nobody else gives a window the focus where there is no desktop.
-void ActivateHeadless(HWND handle) {
-    for (HWND window : LiveWindows())
-        window->focused = window == handle;
-    ActivateAtOnce(handle, true);
+// Nobody else gives a window the focus where there is no desktop. While a recording is played that
+// means where it was made.
+bool FocusIsOurs() {
+    return Source() ? !Source()->TellsFocus() : IsHeadless();
+}
+
+void GiveFocus(HWND handle) {
+    if (IsHeadless())
+        for (HWND window : LiveWindows())
+            window->focused = window == handle;
+    if (FocusIsOurs())
+        ActivateAtOnce(handle, true);
 }
 
 // The active window has gone.
-void ActivateNextHeadless() {
-    if (!IsHeadless() || ActiveWindow())
-        return;
-    if (HWND__* next = NewestShownWindow())
-        ActivateHeadless(next);
+void GiveFocusToNext() {
+    HWND__* next = NewestShownWindow();
+    if (next && !ActiveWindow())
+        GiveFocus(next);
 }
 
 void Hide(HWND__& window) {
     SDL_HideWindow(window.window);
-    if (!IsHeadless())
+    if (IsHeadless())
+        window.focused = false;
+    if (!FocusIsOurs())
         return;
     const bool wasActive = window.active;
-    window.focused = false;
     ActivateAtOnce(&window, false);
     if (wasActive)
-        ActivateNextHeadless();
+        GiveFocusToNext();
 }
 
 void Show(HWND__& window) {
     SDL_ShowWindow(window.window);
-    if (IsHeadless() && !window.dying && !(window.active && window.told))
-        ActivateHeadless(&window);
+    if (!window.dying && !(window.active && window.told))
+        GiveFocus(&window);
 }
 
 } // namespace
@@ -86,6 +95,7 @@ BOOL AdjustWindowRect(LPRECT rect, DWORD /*style*/, BOOL /*menu*/) {
 HWND CreateWindowExA(DWORD /*exStyle*/, LPCSTR cls, LPCSTR title, DWORD style, int x, int y, int w,
                      int h, HWND /*parent*/, HMENU /*menu*/, HINSTANCE /*instance*/,
                      LPVOID /*param*/) {
+    FollowEnvironment();
     const WindowClass* found = FindClass(cls);
     if (!found || !StartVideo())
         return nullptr;
@@ -112,7 +122,7 @@ BOOL DestroyWindow(HWND handle) {
     const bool wasActive = window->active; // false while it is being destroyed
     DestroyLiveWindow(*window);
     if (wasActive)
-        ActivateNextHeadless();
+        GiveFocusToNext();
     return TRUE;
 }
 

@@ -81,6 +81,8 @@ public:
     virtual std::int64_t Counter() = 0;
     /// Nothing is left. The host may still be in the last frame.
     virtual bool IsOver() const = 0;
+    /// It comes from a desktop, so that the windows' focus is part of it.
+    virtual bool TellsFocus() const = 0;
     virtual void End() = 0;
 };
 void TakeInputFrom(InputSource* source);

@@ -101,7 +101,7 @@ int RunSample(const std::string& mode, const std::string& path) {
 
     Worlds::Pasture pasture("Vorn: input");
     bool playing = mode == "play";
-    if (mode.empty() && !VornPlatform::HasDisplay()) {
+    if (mode.empty() && !VornPlatform::HasDisplay() && !VornPlatform::IsPlayingInput()) {
         std::printf("There is no display, so this plays %s.\n", Session);
         VornPlatform::PlayInput(Session);
         playing = true;

@@ -21,9 +21,13 @@ unsigned int Faded(unsigned int color, float alpha) {
 
 } // namespace
 
-void Display::Load() {
+void Display::LoadFont() {
     if (!mFont.loadCharData("data/font/lantern.fnt"))
         throw std::runtime_error("cannot open file: data/font/lantern.fnt");
+}
+
+void Display::Load() {
+    LoadFont();
     const auto picture = [](const char* name) { return TextureManager::Instance()->Get(name); };
     mFont.mTexture = picture("lantern_font.png");
     mBackdrops[0].mTexture = picture("backdrop.png");

@@ -14,6 +14,7 @@ class Display {
 public:
     /// Once its pictures are loaded. Raises std::runtime_error without the font's description.
     void Load();
+    void LoadFont();
     /// Behind everything, in the world: the water of a level, counted from 0.
     void DrawBackdrop(std::size_t level);
     /// What the lamp makes of the water, in the world, into the beams: before all other beams.

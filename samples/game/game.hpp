@@ -41,6 +41,9 @@ public:
     /// Draws it, without showing it: Present is the caller's.
     void Draw();
 
+    /// For who has changed its file.
+    void ReloadFont() { mDisplay.LoadFont(); }
+
     State GetState() const { return mState; }
     Vorn::Scene* Scene() { return mLevel; }
     const Vorn::Camera& Camera() const { return mCamera; }

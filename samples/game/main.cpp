@@ -13,6 +13,7 @@
 #else
 namespace Vorn::Dev {
 static void Start() {}
+static void Follow(const char* /*path*/, const std::function<void()>& /*read*/) {}
 static void Update() {}
 } // namespace Vorn::Dev
 #endif
@@ -20,6 +21,7 @@ static void Update() {}
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -40,8 +42,10 @@ bool Live(bool dev) {
     Lantern::Game game(800, 600, Lantern::ScoreFile::UsualPath());
     if (!VornPlatform::HasDisplay())
         return false;
-    if (dev)
+    if (dev) {
         Vorn::Dev::Start();
+        Vorn::Dev::Follow("data/font/lantern.fnt", [&game] { game.ReloadFont(); });
+    }
     while (game.Running()) {
         for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
             TranslateMessage(&message);

@@ -2,6 +2,7 @@
 #include "dev/dev_mode.hpp"
 #include "dev/resource_reload.hpp"
 #include "dev/scene_reload.hpp"
+#include "dev/trigger_reload.hpp"
 #include "tests/resource/model_file.hpp"
 #include "tests/support/physics_names.hpp"
 #include "tests/support/picture.hpp"
@@ -224,6 +225,19 @@ TEST_F(ReloadTest, AnEntityFileChangesWhatChangedInItAndNothingElse) {
     EXPECT_NE(Fault([&] { files.Reload("data/thing.ent"); }), "");
     EXPECT_EQ(EntityFactory::Instance()->FetchEntity("thing", "master")->Scale(), Vector3(3, 3, 1));
     plain.Parent(nullptr);
+
+    // Nothing living has it; what is fetched later finds its model.
+    const auto late = [&](const std::string& mesh) {
+        File("data/late.var",
+             R"({"Type": "thing", "Variant": "late", "GraphicsCmpt": {"Mesh": ")" + mesh + "\"}}");
+        files.Reload("data/late.var");
+    };
+    File("data/mesh/other", Quad(0.2f));
+    Tests::Printed([&] { late("other"); });
+    EXPECT_THAT(Fault([&] { late("nowhere"); }), testing::HasSubstr("nowhere"));
+    Entity& fetched = *EntityFactory::Instance()->FetchEntity("thing", "late");
+    fetched.Graphics()->Init();
+    EXPECT_EQ(fetched.Graphics()->GetMesh(), meshes.Get("other"));
 }
 
 TEST_F(ReloadTest, ASceneFileMovesMakesAndEndsItsEntities) {
@@ -254,6 +268,61 @@ TEST_F(ReloadTest, ASceneFileMovesMakesAndEndsItsEntities) {
     EXPECT_EQ(scene.GetEntity("wide"), &wide);
     ASSERT_NE(scene.GetEntity("plain"), nullptr);
     EXPECT_EQ(scene.GetEntity("plain")->Variant(), "big");
+}
+
+TEST_F(ReloadTest, ATriggerHasTheScriptsNewEventAndCommands) {
+    const auto script = [](const std::string& event, const std::string& place) {
+        return R"({"Event": [")" + event +
+               R"("], "Action": ["CREATE_ENTITY spawn thing POSITION )" + place + R"("]})";
+    };
+    TriggerManager& manager = *TriggerManager::Instance();
+    const auto born = [&] { return scene.EntityList().back()->Position(); };
+    const auto frame = [&](double dt) {
+        manager.Update(dt);
+        scene.Update(0);
+    };
+    folder.Folder("data/trigger");
+    File("data/trigger/spawn.json", script("TIME_ELAPSED 1e9", "1 2 3"));
+    Trigger::Trigger* trigger = manager.Push(Trigger::Trigger::LoadScript("spawn.json"));
+    Dev::Start();
+    File("data/trigger/spawn.json", script("TIME_INTERVAL 1", "4 5 6"));
+    EXPECT_TRUE(Follows([&] { return trigger->mEvent.mType == "TIME_INTERVAL"; }));
+    frame(0.5), frame(0.8), frame(0.8);
+    EXPECT_EQ(born(), Vector3(4, 5, 6));
+
+    for (const std::string& broken :
+         {script("TIME_ELAPST 1", "7 8 9"), script("TIME_INTERVAL 2", "7 8 9").substr(0, 40)}) {
+        File("data/trigger/spawn.json", broken);
+        EXPECT_NE(Fault([] { Dev::ReloadTrigger("spawn.json"); }), "") << broken;
+    }
+    trigger->mDone = true;
+    File("data/trigger/spawn.json", script("TIME_INTERVAL 1", "7 8 9"));
+    EXPECT_TRUE(Dev::ReloadTrigger("spawn.json"));
+    frame(1), frame(2);
+    EXPECT_EQ(born(), Vector3(4, 5, 6)) << "it is done";
+    EXPECT_FALSE(Dev::ReloadTrigger("post.json"));
+}
+
+TEST_F(ReloadTest, AGameFollowsFilesOfItsOwn) {
+    std::string text;
+    const auto follow = [&] {
+        Dev::Follow("data/names.txt", [&] {
+            if (TextFromFile("data/names.txt").empty())
+                throw std::runtime_error("no names");
+            text = TextFromFile("data/names.txt");
+        });
+    };
+    EXPECT_THROW(follow(), std::logic_error);
+    Dev::Start();
+    follow();
+    File("data/names.txt", "Ada");
+    EXPECT_TRUE(Follows([&] { return text == "Ada"; }));
+    File("data/names.txt", "");
+    EXPECT_TRUE(Follows([&] { return HasMessage(); }));
+    EXPECT_EQ(text, "Ada");
+    Dev::Follow("data/names.txt", nullptr);
+    File("data/names.txt", "Bea");
+    EXPECT_FALSE(Follows([&] { return text != "Ada"; }, 40));
 }
 
 TEST_F(ReloadTest, ThePanelHoldsStepsAndLetsGoOfTime) {

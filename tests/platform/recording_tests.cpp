@@ -5,6 +5,7 @@
 #include <XInput.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
@@ -139,6 +140,62 @@ TEST_F(RecordingTest, TheSameInputLeadsToTheSameState) {
         EXPECT_FALSE(Down(VK_F5));
         Pump(); // what the end of the recording let go of
     }
+}
+
+TEST_F(RecordingTest, APlayersEnvironmentRecordsAndPlaysFromTheFirstWindowOn) {
+    const std::string path = folder.File("session.input", "of the day before"),
+                      other = folder / "other.input";
+    setenv("VORN_RECORD", path.c_str(), 1);
+    const HWND first = Show();
+    EXPECT_EQ(Text(path + "~"), "of the day before");
+    EXPECT_EQ(std::getenv("VORN_RECORD"), nullptr) << "for programs that it starts";
+    Game recorded;
+    for (int frame = 0; frame < 10; ++frame) {
+        VornPlatform::SendKey('A' + frame, frame % 3 != 0);
+        VornPlatform::SendMouseMove(frame * 5, frame);
+        recorded.Frame();
+    }
+    StopInput();
+    DestroyWindow(first);
+    Pump();
+
+    setenv("VORN_PLAY", path.c_str(), 1);
+    setenv("VORN_RECORD", other.c_str(), 1);
+    Show();
+    Game played;
+    for (int frame = 0; frame < 1000 && IsPlayingInput(); ++frame)
+        played.Frame();
+    EXPECT_EQ(played.State(), recorded.State());
+    EXPECT_EQ(Text(other), "") << "playing comes first";
+}
+
+TEST_F(RecordingTest, FilesOfTheEnvironmentThatDoNotOpenAreNamed) {
+    const std::string path = folder / "no/session.input";
+    setenv("VORN_RECORD", path.c_str(), 1);
+    testing::internal::CaptureStderr();
+    Show(); // the player plays on
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("cannot open file: " + path));
+    setenv("VORN_PLAY", path.c_str(), 1);
+    try {
+        Show();
+        ADD_FAILURE() << "nothing raised";
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ(error.what(), "VORN_PLAY: cannot open file: " + path);
+    }
+}
+
+TEST_F(RecordingTest, AWindowHasTheFocusWhenTheRecordedDesktopGivesIt) {
+    PlayInput(folder.File("desktop.input", "vorn-input 1\nframe\nframe\nframe\n"
+                                           "message 1 6 1 0 0 0 0\nevent\nframe\nframe\n"));
+    ShowWindow(Open(), SW_SHOWDEFAULT);
+    Pump();
+    EXPECT_TRUE(Of(WM_ACTIVATE).empty());
+    Pump();
+    Pump();
+    EXPECT_EQ(Of(WM_ACTIVATE).size(), 1u);
+    StopInput();
+    Pump();
+    EXPECT_EQ(Of(WM_ACTIVATE).size(), 1u) << "live input finds it as it is";
 }
 
 TEST_F(RecordingTest, WindowsAreKnownByTheirOrder) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tools/import_fixture.hpp"
+#include "tools/check/checker.hpp"
 #include "tools/check/finding.hpp"
+#include "tools/check/folder.hpp"
 #include "tools/check/game.hpp"
 #include "tools/check/nearest.hpp"
 #include "tools/check/pages.hpp"
@@ -37,6 +39,21 @@ TEST_F(CheckTest, TellsEachKindOfFaultInAFolderThatHoldsOneOfEach) {
         if (std::string(rule.name) != "unreadable") { // root reads everything
             EXPECT_THAT(told.out, HasSubstr(std::string("[") + rule.name + "]\n"));
         }
+}
+
+// It goes between the listing and the reading: root may read everything that is there.
+TEST_F(CheckTest, TellsAFileThatCannotBeRead) {
+    for (const char* name : {"data/foe.ent", "data/small.fnt"}) {
+        mFolder.Folder("data");
+        mFolder.File(name, "{}");
+        const Check::Folder folder = Check::ReadFolder(mFolder.Path(), "");
+        std::filesystem::remove(mFolder / name);
+        const std::vector<Check::Finding> found = Check::CheckFolder(folder, nullptr);
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0].rule, "unreadable");
+        EXPECT_EQ(found[0].place.file, name);
+        EXPECT_THAT(found[0].message, HasSubstr("cannot open file: "));
+    }
 }
 
 TEST_F(CheckTest, HasNothingToTellOfWhatComesWithTheEngine) {

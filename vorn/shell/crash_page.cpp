@@ -68,6 +68,9 @@ std::string FilesAdvice(const std::string& part) {
 
 std::string AdviceFor(const std::exception& exception) {
     const std::string_view text = exception.what();
+    if (text.starts_with("VORN_PLAY"))
+        return "The game was to play a recording, and cannot. Name another, or start it without "
+               "VORN_PLAY.";
     if (dynamic_cast<const DataError*>(&exception) || text.find("cannot open") != text.npos ||
         text.find("data/") != text.npos)
         return FilesAdvice("data");
@@ -141,8 +144,9 @@ std::string Particulars(const CrashPage& details, const Fault& fault) {
            VORN_VERSION + "\n    exception  " + fault.type + "\n    program    " +
            fs::read_symlink("/proc/self/exe", ignored).string() + "\n    folder     " +
            fs::current_path(ignored).string() + "\n    recording  " +
-           (details.recording.empty() ? "none" : details.recording) + "\n    system     " +
-           System() + "\n\nCalls\n\n" + Calls();
+           (details.recording.empty() ? "only by VORN_RECORD=FILE in the environment"
+                                      : details.recording) +
+           "\n    system     " + System() + "\n\nCalls\n\n" + Calls();
 }
 
 /// The path of the file; empty where none can be written.

@@ -82,7 +82,9 @@ void Event::Replace(void* data) {
 Trigger* Trigger::LoadScript(const std::string& name) {
     const std::string path = "data/trigger/" + name;
     const std::string text = TextFromFile(path);
-    return ReadingIn([&path] { return path; }, [&text] { return FromText(text); });
+    Trigger* const trigger = ReadingIn([&path] { return path; }, [&] { return FromText(text); });
+    trigger->mScript = name;
+    return trigger;
 }
 
 Trigger* Trigger::FromText(std::string_view text) {

@@ -66,6 +66,8 @@ struct VORN_API Trigger : StaticData {
     Event mEvent;
     /// Stays as read: each firing runs a copy.
     Action mAction;
+    /// The name that LoadScript was given; empty for a trigger that was made otherwise.
+    std::string mScript;
 
     /// Reads a script: "data/trigger/" and `name`, which carries its own extension. Raises
     /// std::runtime_error for a file that cannot be opened, and DataError where "Event" or "Action"

@@ -58,6 +58,13 @@ public:
     template <typename T>
     void Raise(T& event);
 
+    /// Calls `visit(trigger)` for each, in the order of Push. Nothing may be pushed meanwhile.
+    template <typename Visit>
+    void ForEach(Visit visit) {
+        for (Trigger::Trigger* trigger : mTriggers)
+            visit(*trigger);
+    }
+
     /// Time starts again at 0. Triggers of TIME_ELAPSED that fired stay done.
     void ResetTimeElapsed() { mTimeElapsed = 0.0; }
 

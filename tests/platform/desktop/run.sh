@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# run.sh x11|wayland PROGRAM: runs it on a desktop of its own that nobody sees: an X server without a window manager, or
-# a Wayland compositor with its keyboard and mouse from such a server.
+# run.sh x11|wayland PROGRAM [ARGUMENTS]: runs it on a desktop of its own that nobody sees: an X server without a window
+# manager, or a Wayland compositor with its keyboard and mouse from such a server.
 set -u
-desktop=$1 program=$2
+desktop=$1
+shift
 work=$(mktemp -d)
 chmod 700 "$work"
 servers=()
@@ -45,7 +46,7 @@ if [ "$desktop" = wayland ]; then
   export WAYLAND_DISPLAY=vorn-test
 fi
 
-timeout 60 "$program"
+timeout 60 "$@"
 result=$?
 [ "$result" = 124 ] && echo "the program did not end within a minute"
 [ "$result" = 0 ] || tail -n 50 "$work"/*.log
