@@ -6,11 +6,11 @@
 //   Samples::Loop([&](float dt) { reef.Update(dt); reef.Draw(dt); });
 #pragma once
 
+#include "platform/control/vorn_picture.hpp"
 #include "vorn/vorn.hpp"
 
 #include <cstdio>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 
 namespace Samples {
@@ -49,14 +49,7 @@ inline std::string InTemporaryFolder(const char* name) {
 
 /// Writes what has been drawn and not been shown yet.
 inline void SavePicture(const std::string& path) {
-    IDirect3DSurface9* surface = nullptr;
-    Vorn::Graphic::GetDevice()->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &surface);
-    const HRESULT result =
-        D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
-    if (surface)
-        surface->Release();
-    if (FAILED(result))
-        throw std::runtime_error("cannot write " + path);
+    VornPlatform::SavePicture(Vorn::Graphic::GetDevice(), path);
     std::printf("wrote %s\n", path.c_str());
 }
 

@@ -3,22 +3,19 @@
 
 #include "tools/view/panel.hpp"
 #include "tools/view/steer.hpp"
-#include "tools/view/viewer.hpp"
+#include "tools/view/window.hpp"
 
 #include "dev/file_watch.hpp"
 #include "dev/overlay.hpp"
+#include "platform/control/vorn_picture.hpp"
 #include "platform/control/vorn_platform.hpp"
 #include "vorn/core/delta_clock.hpp"
 #include "vorn/input/input_manager.hpp"
-#include "vorn/render/emitter_system.hpp"
 #include "vorn/render/graphic.hpp"
-#include "vorn/shell/engine.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iostream>
-#include <sstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -26,50 +23,6 @@ namespace View {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The engine tells standard output of each thing that it loads; what a shader's compiler says of
-/// the shader that ends it is wanted.
-class Quiet {
-public:
-    Quiet() : mBefore(std::cout.rdbuf(mText.rdbuf())) {}
-    Quiet(const Quiet&) = delete;
-    Quiet& operator=(const Quiet&) = delete;
-    ~Quiet() { std::cout.rdbuf(mBefore); }
-    std::string Text() const { return mText.str(); }
-
-private:
-    std::ostringstream mText;
-    std::streambuf* mBefore;
-};
-
-/// The window with its device.
-class Window {
-public:
-    Window(const Options& options, const Quiet& quiet) {
-        const std::string title = "Vorn: " + fs::path(options.file).filename().string();
-        try {
-            Vorn::Engine::Instance()->Init(title, options.width, options.height, false);
-        } catch (const std::exception& error) {
-            const std::string text = quiet.Text();
-            throw std::runtime_error(
-                text.empty() ? std::string("no picture can be made here: ") + error.what() : text);
-        }
-        // Hands its list to those who draw particles; each emitter is readied by its subject.
-        Vorn::EmitterSystem::Instance()->Init();
-    }
-    Window(const Window&) = delete;
-    Window& operator=(const Window&) = delete;
-    ~Window() { Vorn::Engine::Instance()->Free(); }
-};
-
-/// False when the window was closed.
-bool FetchMessages() {
-    for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    return !Vorn::Engine::Instance()->IsShutdown();
-}
 
 /// What is edited below the game is seen at once, what lies elsewhere and is only linked, within a
 /// second.
@@ -109,36 +62,38 @@ std::string FreeName(const Stage& stage) {
     return name;
 }
 
+void SavePicture(const std::string& path) {
+    VornPlatform::SavePicture(Vorn::Graphic::GetDevice(), path);
+}
+
 /// Without the panel, and with what is written in the world.
 void SaveShown(Viewer& viewer) {
     const Shown shown = viewer.shown;
     viewer.shown.panel = viewer.shown.pointer = false;
+    viewer.Tell("");
     viewer.Draw();
     Vorn::Graphic::Instance()->Present();
     const std::string name = FreeName(viewer.Stage());
     try {
-        viewer.SavePicture(name);
+        SavePicture(name);
+        viewer.Tell("wrote " + name);
         fmt::print("wrote {}\n", name);
         std::fflush(stdout);
     } catch (const std::runtime_error& error) {
+        viewer.Tell(error.what());
         fmt::print(stderr, "vorn: {}\n", error.what());
     }
     viewer.shown = shown;
 }
 
-void Show(Viewer& viewer) {
-    auto& engine = *Vorn::Engine::Instance();
+void Show(Window& window, Viewer& viewer) {
     auto& clock = *Vorn::DeltaClock::Instance();
     Changes changes(viewer.Stage());
-    while (FetchMessages()) {
-        if (!engine.CheckContext()) {
-            viewer.Subject().BeforeReset();
-            engine.Reset();
-            viewer.Subject().AfterReset();
-        }
+    while (Window::FetchMessages()) {
         clock.Update();
         Vorn::InputManager::Instance()->Update();
         const auto dt = static_cast<float>(clock.GetDeltaTime());
+        window.Update(viewer, dt);
         const Wish wish = Steer(viewer, dt);
         if (wish == Wish::Quit)
             return;
@@ -162,10 +117,10 @@ void Save(Viewer& viewer, const Options& options, const std::string& path) {
         viewer.Draw();
         Vorn::Graphic::Instance()->Present();
     }
-    viewer.SavePicture(path);
+    SavePicture(path);
 }
 
-void Run(const Options& options, const Quiet& quiet) {
+void Run(const Options& options, const Overheard& said) {
     const std::string picture =
         options.picture.empty() ? "" : fs::absolute(options.picture).string();
     std::error_code none;
@@ -177,7 +132,7 @@ void Run(const Options& options, const Quiet& quiet) {
     const Stage stage(options.file);
     if (!picture.empty())
         VornPlatform::ForceHeadless();
-    const Window window(options, quiet);
+    Window window(options, said);
     if (picture.empty() && !VornPlatform::HasDisplay())
         throw std::runtime_error("there is no display; --picture needs none");
     Options complete = options;
@@ -187,7 +142,7 @@ void Run(const Options& options, const Quiet& quiet) {
     StylePanel();
     overlay.AddPanel([&viewer] { DrawPanel(viewer); });
     if (picture.empty())
-        Show(viewer);
+        Show(window, viewer);
     else
         Save(viewer, options, picture);
 }
@@ -195,9 +150,9 @@ void Run(const Options& options, const Quiet& quiet) {
 } // namespace
 
 int Run(const Options& options) {
-    const Quiet quiet;
+    const Overheard said;
     try {
-        Run(options, quiet);
+        Run(options, said);
         return 0;
     } catch (const std::exception& error) {
         // A line each for what the compiler of shaders says.

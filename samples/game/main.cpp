@@ -75,7 +75,7 @@ int Usage() {
 }
 
 int Run(const std::vector<std::string>& words) {
-    const std::string verb = words.empty() ? "" : words[0];
+    const std::string& verb = words.at(0);
     // Paths that are told are the caller's.
     const auto path = [&words](std::size_t i) { return fs::absolute(words.at(i)).string(); };
     const auto number = [&words](std::size_t i) { return std::stoi(words.at(i)); };
@@ -99,21 +99,30 @@ int Run(const std::vector<std::string>& words) {
     } else if (verb == "--soak" && (longer || words.size() == 2)) {
         EnterFolder();
         Lantern::Soak(number(1), longer ? static_cast<unsigned int>(number(2)) : 1u);
-    } else if (!words.empty() && words != std::vector<std::string>{"--dev"})
+    } else
         return Usage();
-    else {
-        EnterFolder();
-        if (!Live(!words.empty()))
-            Lantern::PlaySession("session.input", (fs::temp_directory_path() / "lantern").string());
-    }
     return 0;
+}
+
+void Play(bool dev) {
+    // Somebody plays: what nobody catches from here on ends in a page, not in a line.
+    Vorn::ShowCrashPage({.game = "Lantern", .contact = "", .recording = ""});
+    EnterFolder();
+    if (!Live(dev))
+        Lantern::PlaySession("session.input", (fs::temp_directory_path() / "lantern").string());
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    const bool dev = words == std::vector<std::string>{"--dev"};
+    if (words.empty() || dev) {
+        Play(dev);
+        return 0;
+    }
     try {
-        return Run({argv + 1, argv + argc});
+        return Run(words);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "game: %s\n", error.what());
         return 1;

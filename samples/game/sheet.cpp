@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "samples/game/sheet.hpp"
 
+#include "platform/control/vorn_picture.hpp"
 #include "platform/control/vorn_platform.hpp"
 #include "vorn/render/graphic.hpp"
 
@@ -30,16 +31,6 @@ std::uint32_t Mean(const std::vector<std::uint32_t>& pixels, int width, int left
                 sums[c] += pixels[static_cast<std::size_t>(y * width + x)] >> (8 * c) & 255u;
     count = std::max(count, 1u);
     return 0xFF000000u | sums[2] / count << 16 | sums[1] / count << 8 | sums[0] / count;
-}
-
-void Save(const std::string& path, IDirect3DSurface9* surface) {
-    const HRESULT result =
-        surface ? D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr)
-                : E_FAIL;
-    if (surface)
-        surface->Release();
-    if (FAILED(result))
-        throw std::runtime_error("cannot write " + path);
 }
 
 } // namespace
@@ -79,11 +70,16 @@ void Sheet::Save(const std::string& path) const {
             }
         surface->UnlockRect();
     }
-    Lantern::Save(path, surface);
+    const HRESULT result =
+        D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
+    if (surface)
+        surface->Release();
+    if (FAILED(result))
+        throw std::runtime_error("cannot write " + path);
 }
 
 void SavePicture(const std::string& path) {
-    Save(path, BackBuffer());
+    VornPlatform::SavePicture(Vorn::Graphic::GetDevice(), path);
 }
 
 } // namespace Lantern

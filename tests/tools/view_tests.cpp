@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <regex>
 
 namespace {
 
@@ -211,6 +212,69 @@ TEST_F(ViewTest, ModelsEntitiesAndEffectsChangeToo) {
     effect("float4(0, 1, 0, 1)");
     shot->CheckFiles();
     EXPECT_EQ(shot.Middle(), 0xFF00FF00u);
+}
+
+TEST_F(ViewTest, EffectsFollowWhatTheyInclude) {
+    const auto color = [this](const std::string& text) { mFolder.File("color.fxh", text); };
+    color("float4 Color() { return float4(1, 0, 0, 1); }\n");
+    Shot shot(mFolder.File("flat.fx",
+                           "#include \"color.fxh\"\n"
+                           "float4x4 wvp : WORLDVIEWPROJECTION;\n"
+                           "float4 V(float4 p : POSITION) : POSITION { return mul(p, wvp); }\n"
+                           "float4 P() : COLOR { return Color(); }\n"
+                           "technique T { pass { VertexShader = compile vs_3_0 V();\n"
+                           "PixelShader = compile ps_3_0 P(); } }\n"));
+    EXPECT_EQ(shot.Middle(), 0xFFFF0000u);
+    EXPECT_THAT(View::Stage::Names("mesh"), Not(testing::Contains("flat.fx")));
+    color("float4 Color() { return blue; }\n");
+    shot->CheckFiles();
+    EXPECT_EQ(shot.Middle(), 0xFFFF0000u);
+    ASSERT_THAT(shot->Faults(), testing::SizeIs(1));
+    EXPECT_THAT(shot->Faults().begin()->second, HasSubstr("color.fxh(1): error"));
+    color("float4 Color() { return float4(0, 0, 1, 1); }\n");
+    shot->CheckFiles();
+    EXPECT_EQ(shot.Middle(), 0xFF0000FFu);
+    EXPECT_THAT(shot->Faults(), IsEmpty());
+}
+
+TEST_F(ViewTest, TheGamesOwnShadersChangeToo) {
+    const std::string light = Vorn::TextFromFile("data/shaders/vornlight.fx");
+    for (const char* folder : {"data", "data/shaders", "data/mesh"})
+        mFolder.Folder(folder);
+    std::filesystem::create_symlink("nowhere", mFolder / "data/shaders/basicshader.fx");
+    mFolder.File("data/shaders/vornlight.fx", light);
+    Shot shot(mFolder.File("data/mesh/thing.mesh", Vorn::TextFromFile(Game + "mesh/pearl.mesh")));
+    const Pixels lit = shot.Take();
+    mFolder.File("data/shaders/vornlight.fx", "technique");
+    shot->CheckFiles();
+    EXPECT_EQ(shot.Take(), lit);
+    ASSERT_THAT(shot->Faults(), testing::SizeIs(1));
+    EXPECT_THAT(shot->Faults().begin()->second, HasSubstr("vornlight.fx(1): error"));
+    mFolder.File(
+        "data/shaders/vornlight.fx",
+        "float4 Green() : COLOR { return float4(0, 1, 0, 1); }\n" +
+            std::regex_replace(light, std::regex("compile ps_3_0 \\w+"), "compile ps_3_0 Green"));
+    shot->CheckFiles();
+    EXPECT_EQ(shot.Middle(), 0xFF00FF00u);
+    EXPECT_THAT(shot->Faults(), IsEmpty());
+}
+
+TEST_F(ViewTest, WhatIsWideFillsThePictureAndIsWhole) {
+    Shot shot(Game + "mesh/wreck.mesh");
+    for (const float yaw : {-90.0f, -60.0f, -130.0f}) {
+        shot->Orbit().Set(yaw, 10);
+        shot->FrameAll();
+        const Pixels pixels = shot.Take();
+        unsigned int left = Width, right = 0;
+        for (unsigned int i = 0; i < Width * Height; ++i)
+            if (pixels[i] != Background) {
+                left = std::min(left, i % Width);
+                right = std::max(right, i % Width);
+            }
+        EXPECT_GT(left, 0u) << yaw;
+        EXPECT_LT(right, Width - 1) << yaw;
+        EXPECT_GT(right - left, Width / 2) << yaw;
+    }
 }
 
 TEST_F(ViewTest, TheCommandSavesPicturesAndNamesFaults) {

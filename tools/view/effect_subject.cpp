@@ -45,6 +45,10 @@ std::string TextOf(const ShaderConstant& parameter, const char* name) {
     const ShaderConstant* const annotation = Annotation(parameter, name);
     return annotation ? annotation->text : std::string();
 }
+std::string LabelOf(const ShaderConstant& parameter) {
+    const std::string name = TextOf(parameter, "UIName");
+    return name.empty() ? parameter.name : name;
+}
 float NumberOf(const ShaderConstant& parameter, const char* name, float fallback) {
     const ShaderConstant* const annotation = Annotation(parameter, name);
     return annotation && !annotation->numbers.empty() ? static_cast<float>(annotation->numbers[0])
@@ -131,12 +135,20 @@ public:
             techniques.push_back(technique.name);
         if (techniques.size() > 1)
             Choose("Technique", mTechnique, techniques);
+        float widest = 0;
+        for (const ShaderConstant& parameter : mCode->parameters)
+            if (IsEditable(parameter) || parameter.type == ValueType::Texture)
+                widest = std::max(widest, ImGui::CalcTextSize(LabelOf(parameter).c_str()).x);
+        PushFieldWidth(widest);
         for (const ShaderConstant& parameter : mCode->parameters) {
+            ImGui::PushID(parameter.name.c_str());
             if (IsEditable(parameter))
                 edit(parameter, mValues[parameter.name]);
             else if (parameter.type == ValueType::Texture)
                 choosePicture(parameter);
+            ImGui::PopID();
         }
+        ImGui::PopItemWidth();
     }
 
     void BeforeReset() override { release(); }
@@ -249,8 +261,8 @@ private:
     }
 
     void edit(const ShaderConstant& parameter, Value& value) {
-        const std::string uiName = TextOf(parameter, "UIName");
-        const char* const label = uiName.empty() ? parameter.name.c_str() : uiName.c_str();
+        const std::string title = LabelOf(parameter);
+        const char* const label = title.c_str();
         const int columns = static_cast<int>(parameter.columns);
         bool changed = false;
         if (parameter.type == ValueType::Bool) {
@@ -293,7 +305,7 @@ private:
     void choosePicture(const ShaderConstant& parameter) {
         std::vector<std::string> names = Stage::Names("img");
         names.insert(names.begin(), {"checker", "black"});
-        Choose(parameter.name.c_str(), mPictures[parameter.name], names);
+        Choose(LabelOf(parameter).c_str(), mPictures[parameter.name], names);
     }
 
     Resources& mResources;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/view/emitter_controls.hpp"
 
+#include "tools/view/subject.hpp"
+
 #include <imgui.h>
 
 #include <algorithm>
@@ -72,6 +74,7 @@ bool EditType(Json::Value& object) {
 } // namespace
 
 bool EditEmitter(Json::Value& emitter) {
+    PushFieldWidth(ImGui::CalcTextSize("Particles_Per_Emit").x);
     bool changed = EditType(emitter);
     changed |= EditInt(emitter, "Size", 65536);
     changed |= EditInt(emitter, "Particles_Per_Emit", 65536);
@@ -83,6 +86,7 @@ bool EditEmitter(Json::Value& emitter) {
     changed |= EditFloat(emitter, "SphereRadius", 0.01f, 0.0f);
     changed |= EditScale(emitter, "Scale0");
     changed |= EditScale(emitter, "Scale1");
+    ImGui::PopItemWidth();
     bool once = emitter["EmitOnce"].isBool() && emitter["EmitOnce"].asBool();
     if (ImGui::Checkbox("EmitOnce", &once)) {
         emitter["EmitOnce"] = once;

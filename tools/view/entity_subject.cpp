@@ -8,6 +8,7 @@
 #include "vorn/core/json.hpp"
 #include "vorn/render/emitter_cmpt.hpp"
 
+#include <json/writer.h>
 #include <fmt/format.h>
 #include <imgui.h>
 
@@ -86,13 +87,18 @@ public:
         if (EditEmitter(edited["EmitterCmpt"]))
             tryOut(edited);
         if (ImGui::Button("Copy as JSON"))
-            ImGui::SetClipboardText(Vorn::WriteJson(mValues["EmitterCmpt"]).c_str());
-        ImGui::SameLine();
-        if (ImGui::Button("Restart"))
-            Restart();
+            copy();
     }
 
 private:
+    /// As a person writes it: the digits that a float has.
+    void copy() const {
+        Json::StreamWriterBuilder builder;
+        builder["precision"] = 6;
+        builder["indentation"] = "    ";
+        ImGui::SetClipboardText(Json::writeString(builder, mValues["EmitterCmpt"]).c_str());
+    }
+
     void readMaster(const Stage& stage) {
         const std::string type = Vorn::JsonString(mOwn, "Type", "");
         const EntityTypes types(stage.EntityFolders());
@@ -137,7 +143,8 @@ private:
         Vorn::EmitterCmpt* const emitter = this->emitter();
         if (!emitter)
             return;
-        for (float time = 0.0f; time < 4.0f; time += Step) {
+        const float longest = std::clamp(emitter->GetParticleLifeSpan(), 2.0f, 10.0f);
+        for (float time = 0.0f; time < longest; time += Step) {
             emitter->Emit(Step);
             emitter->Update(Step);
             for (const Vorn::Particle& particle : emitter->mParticles)

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace View {
 
@@ -11,15 +12,37 @@ using Vorn::Vector3;
 namespace {
 
 constexpr float FieldOfView = 0.7f; // (unit: radians)
+constexpr float Degree = std::numbers::pi_v<float> / 180;
 
 } // namespace
 
 void Orbit::Frame(const Bounds& bounds, float aspect, std::optional<float> distance) {
     mReach = bounds.Empty() ? 1.0f : std::clamp(bounds.Radius(), 1e-3f, 1e6f);
-    const float narrow = std::min(1.0f, aspect);
-    mDistance = distance ? *distance : mReach / (std::sin(FieldOfView / 2) * narrow) * 1.08f;
-    update();
     mCamera.LookAt(bounds.Empty() ? Vector3() : bounds.Middle());
+    mDistance = distance ? *distance : distanceFor(bounds, aspect);
+    update();
+}
+
+// From so far each corner is within the planes at the sides. Nearer than the sphere about the box
+// would let the eye into it by a turn.
+float Orbit::distanceFor(const Bounds& bounds, float aspect) const {
+    constexpr float Margin = 1.08f;
+    const float high = std::tan(FieldOfView / 2), wide = high * aspect;
+    const float yaw = mYaw * Degree, pitch = mPitch * Degree;
+    const Vector3 toEye(std::cos(pitch) * std::cos(yaw), std::sin(pitch),
+                        -std::cos(pitch) * std::sin(yaw));
+    const Vector3 side(std::sin(yaw), 0, std::cos(yaw));
+    const Vector3 up = side.CrossProduct(toEye);
+    const Vector3 half = bounds.Size() * 0.5f;
+    float distance = mReach * 1.2f;
+    for (int corner = 0; corner < 8; ++corner) {
+        const Vector3 at(corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y,
+                         corner & 4 ? half.z : -half.z);
+        const float sideways =
+            std::max(std::abs(at.DotProduct(side)) / wide, std::abs(at.DotProduct(up)) / high);
+        distance = std::max(distance, sideways * Margin + at.DotProduct(toEye));
+    }
+    return distance;
 }
 
 void Orbit::Turn(float yaw, float pitch) {

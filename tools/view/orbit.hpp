@@ -13,8 +13,8 @@ namespace View {
 /// A camera that goes round what is shown. Angles in degrees, as Camera has them.
 class Orbit {
 public:
-    /// All of it is in the picture, of a width that is so many times its height; a closer distance
-    /// where the caller says so. The angles stay.
+    /// The box is in the picture, of a width that is so many times its height, as it is seen from
+    /// these angles; another distance where the caller says so. The angles stay.
     void Frame(const Bounds& bounds, float aspect, std::optional<float> distance = {});
     void Turn(float yaw, float pitch);
     void Set(float yaw, float pitch);
@@ -37,6 +37,7 @@ public:
 
 private:
     void update();
+    float distanceFor(const Bounds& bounds, float aspect) const;
 
     Vorn::Camera mCamera;
     float mYaw = -60, mPitch = 18, mDistance = 5;

@@ -8,9 +8,12 @@
 #include <fmt/format.h>
 #include <fontconfig/fontconfig.h>
 #include <imgui.h>
+#include <imgui_internal.h> // for ClosePopupToLevel
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
+#include <vector>
 
 namespace View {
 namespace {
@@ -23,17 +26,51 @@ ImU32 Packed(std::uint32_t color) {
     return (color & 0xFF00FF00u) | (color >> 16 & 0xFFu) | (color & 0xFFu) << 16;
 }
 
-void DrawLabels(const Viewer& viewer, const Lines& lines) {
-    ImDrawList& list = *ImGui::GetBackgroundDrawList();
-    const ImVec2 size = ImGui::GetIO().DisplaySize;
-    const Orbit& orbit = viewer.Orbit();
+struct PlacedLabel {
+    const Label* label;
+    ImVec2 low, high;
+    float toMouse; // of its point (unit: pixels)
+
+    bool Overlaps(const PlacedLabel& other) const {
+        return low.x < other.high.x && other.low.x < high.x && low.y < other.high.y &&
+               other.low.y < high.y;
+    }
+};
+
+void PlaceLabels(const Orbit& orbit, const Lines& lines, std::vector<PlacedLabel>& placed) {
+    const ImGuiIO& io = ImGui::GetIO();
     for (const Label& label : lines.Labels())
-        if (const auto at = orbit.ToPixels(label.at, size.x, size.y)) {
-            const ImVec2 place(std::round(at->x) + 4, std::round(at->y) - 7);
-            list.AddText(ImVec2(place.x + 1, place.y + 1), IM_COL32(0, 0, 0, 180),
-                         label.text.c_str());
-            list.AddText(place, Packed(label.color), label.text.c_str());
+        if (const auto at = orbit.ToPixels(label.at, io.DisplaySize.x, io.DisplaySize.y)) {
+            const ImVec2 low(std::round(at->x) + 4, std::round(at->y) - 7);
+            const ImVec2 size = ImGui::CalcTextSize(label.text.c_str());
+            placed.push_back({&label, low, ImVec2(low.x + size.x, low.y + size.y),
+                              std::hypot(at->x - io.MousePos.x, at->y - io.MousePos.y)});
         }
+}
+
+// Where names would lie over one another the earlier one is written, so that they do not change
+// while all of it moves; but first of all the one that the mouse points at.
+void DrawLabels(const Viewer& viewer) {
+    constexpr float Near = 16; // (unit: pixels)
+    std::vector<PlacedLabel> labels;
+    PlaceLabels(viewer.Orbit(), viewer.FrontLines(), labels);
+    PlaceLabels(viewer.Orbit(), viewer.WorldLines(), labels);
+    const auto pointed = std::min_element(
+        labels.begin(), labels.end(),
+        [](const PlacedLabel& a, const PlacedLabel& b) { return a.toMouse < b.toMouse; });
+    if (pointed != labels.end() && pointed->toMouse < Near)
+        std::rotate(labels.begin(), pointed, pointed + 1);
+    ImDrawList& list = *ImGui::GetBackgroundDrawList();
+    std::vector<PlacedLabel> written;
+    for (const PlacedLabel& one : labels) {
+        if (std::any_of(written.begin(), written.end(),
+                        [&one](const PlacedLabel& other) { return one.Overlaps(other); }))
+            continue;
+        written.push_back(one);
+        const char* const text = one.label->text.c_str();
+        list.AddText(ImVec2(one.low.x + 1, one.low.y + 1), IM_COL32(0, 0, 0, 180), text);
+        list.AddText(one.low, Packed(one.label->color), text);
+    }
 }
 
 void DrawFaults(const Problems& faults) {
@@ -52,6 +89,18 @@ void DrawFaults(const Problems& faults) {
         ImGui::PopStyleColor();
         ImGui::TextUnformatted(fault.c_str());
     }
+    ImGui::End();
+}
+
+void DrawNote(const std::string& note) {
+    if (note.empty())
+        return;
+    ImGui::SetNextWindowPos(ImVec2(12, ImGui::GetIO().DisplaySize.y - 12), 0, ImVec2(0, 1));
+    ImGui::SetNextWindowBgAlpha(0.85f);
+    ImGui::Begin("note", nullptr,
+                 ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_AlwaysAutoResize |
+                     ImGuiWindowFlags_NoInputs | ImGuiWindowFlags_NoNav);
+    ImGui::TextUnformatted(note.c_str());
     ImGui::End();
 }
 
@@ -142,14 +191,31 @@ void DrawBones(Viewer& viewer) {
 
 void DrawView(Viewer& viewer) {
     const Orbit& orbit = viewer.Orbit();
-    DrawNumbers(
-        {{"Frame", ""},
-         {"Draw calls", Counted(static_cast<std::uint64_t>(viewer.DrawCalls()))},
-         {"Eye", Written(orbit.Eye())},
-         {"Yaw, pitch", fmt::format("{:.0f}  {:.0f}", static_cast<double>(orbit.Yaw()),
-                                    static_cast<double>(orbit.Pitch()))},
-         {"Distance", fmt::format("{:.4g}", static_cast<double>(orbit.Distance()))},
-         {"Cell of the grid", fmt::format("{:g}", static_cast<double>(viewer.GridCell()))}});
+    const auto number = [](float f) { return static_cast<double>(f); };
+    Numbers numbers = {
+        {"Frame", ""},
+        {"Draw calls", Counted(static_cast<std::uint64_t>(viewer.DrawCalls()))},
+        {"Eye", Written(orbit.Eye())},
+        {"Yaw, pitch", fmt::format("{:.0f}  {:.0f}", number(orbit.Yaw()), number(orbit.Pitch()))},
+        {"Distance", fmt::format("{:.4g}", number(orbit.Distance()))}};
+    if (viewer.shown.grid)
+        numbers.emplace_back("Cell of the grid", fmt::format("{:g}", number(viewer.GridCell())));
+    DrawNumbers(numbers);
+}
+
+void DrawKeys() {
+    if (ImGui::CollapsingHeader("Mouse and keys"))
+        DrawNumbers({{"With the mouse", ""},
+                     {"Drag", "turn"},
+                     {"Right, middle", "move"},
+                     {"Wheel", "nearer and farther"},
+                     {"With keys", ""},
+                     {"F", "all of it"},
+                     {"1  2  3", "front, side, above"},
+                     {"Space, R", "pause, from the start"},
+                     {"P", "saves a picture"},
+                     {"Tab", "hides the panel"},
+                     {"Escape", "quits"}});
 }
 
 void DrawWindow(Viewer& viewer) {
@@ -161,20 +227,25 @@ void DrawWindow(Viewer& viewer) {
     ImGui::Begin(title.c_str(), nullptr,
                  ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoCollapse |
                      ImGuiWindowFlags_NoFocusOnAppearing);
-    ImGui::PushItemWidth(-110);
+    PushFieldWidth(0);
     DrawSwitches(viewer);
     ImGui::Separator();
     DrawTime(viewer);
     if (ImGui::CollapsingHeader("Light")) {
         ImGui::SliderFloat("Yaw", &viewer.lightYaw, -180, 180, "%.0f");
         ImGui::SliderFloat("Pitch", &viewer.lightPitch, -90, 90, "%.0f");
+        ImGui::SliderFloat("Strength", &viewer.lightStrength, 0.1f, 1e4f, "%.1f",
+                           ImGuiSliderFlags_Logarithmic);
     }
     ImGui::Separator();
+    ImGui::PushID("subject"); // whose names may be those of the panel
     viewer.Subject().Controls();
+    ImGui::PopID();
     ImGui::Separator();
     DrawNumbers(viewer.Subject().Describe());
     DrawBones(viewer);
     DrawView(viewer);
+    DrawKeys();
     ImGui::PopItemWidth();
     ImGui::End();
 }
@@ -213,6 +284,13 @@ void UseDesktopFace() {
 
 } // namespace
 
+bool CloseMenus() {
+    if (!ImGui::IsPopupOpen("", ImGuiPopupFlags_AnyPopup))
+        return false;
+    ImGui::ClosePopupToLevel(0, true);
+    return true;
+}
+
 void StylePanel() {
     UseDesktopFace();
     ImGuiStyle& style = ImGui::GetStyle();
@@ -230,9 +308,9 @@ void StylePanel() {
 }
 
 void DrawPanel(Viewer& viewer) {
-    DrawLabels(viewer, viewer.WorldLines());
-    DrawLabels(viewer, viewer.FrontLines());
+    DrawLabels(viewer);
     DrawFaults(viewer.Faults());
+    DrawNote(viewer.Note());
     if (viewer.shown.panel)
         DrawWindow(viewer);
     if (viewer.shown.pointer)

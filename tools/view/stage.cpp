@@ -132,11 +132,13 @@ void Stage::linkGame() const {
 void Stage::linkNeighbours() const {
     ForEach(mFile.parent_path(), [this](const fs::path& path) {
         const fs::path extension = path.extension();
-        const char* store = IsPicture(path)        ? "img"
-                            : extension == ".json" ? "mat"
-                            : extension == ".mesh" || extension == ".model" || path == mFile
-                                ? "mesh"
-                                : nullptr;
+        // By any name it may be a model, but for those that others have.
+        const bool shown = path == mFile && extension != ".fx" && extension != ".ent" &&
+                           extension != ".var" && extension != ".scene";
+        const char* store = IsPicture(path)                                          ? "img"
+                            : extension == ".json"                                   ? "mat"
+                            : extension == ".mesh" || extension == ".model" || shown ? "mesh"
+                                                                                     : nullptr;
         if (store)
             Link(path, mFolder / "data" / store / path.filename());
     });
@@ -146,8 +148,11 @@ void Stage::CopyShaders() const {
     const fs::path to = mFolder / "data/shaders";
     std::error_code ignored;
     fs::create_directories(to);
-    fs::copy(Shaders(), to, fs::copy_options::overwrite_existing | fs::copy_options::recursive,
-             ignored);
+    // One by one: one that cannot be read does not keep the others away.
+    ForEach(Shaders(), [&](const fs::path& path) {
+        fs::copy(path, to / path.filename(),
+                 fs::copy_options::overwrite_existing | fs::copy_options::recursive, ignored);
+    });
     for (const auto& [name, text] : ShaderFiles)
         if (!fs::exists(to / name))
             Vorn::SaveToFile((to / name).string(), text.data(),

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tools/view/steer.hpp"
 
+#include "tools/view/panel.hpp"
+
 #include "vorn/input/input_manager.hpp"
 #include "vorn/render/graphic.hpp"
-#include "vorn/shell/engine.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -70,7 +71,7 @@ Wish Steer(Viewer& viewer, float dt) {
     if (hit('3'))
         orbit.Set(-90, 89);
     if (hit(VK_ESCAPE))
-        return Wish::Quit;
+        return CloseMenus() ? Wish::Nothing : Wish::Quit;
     return hit('P') ? Wish::Save : Wish::Nothing;
 }
 

@@ -187,6 +187,13 @@ Vorn::Mesh* MeshNamed(const std::string& name, Resources& resources) {
     return resources.Mesh(name);
 }
 
+void PushFieldWidth(float label) {
+    constexpr float Usual = 110;
+    const float most = ImGui::GetContentRegionAvail().x * 0.6f;
+    const float wanted = label + ImGui::GetStyle().ItemInnerSpacing.x;
+    ImGui::PushItemWidth(-std::clamp(wanted, Usual, std::max(most, Usual)));
+}
+
 bool Choose(const char* label, std::string& chosen, const std::vector<std::string>& from) {
     bool changed = false;
     if (!ImGui::BeginCombo(label, chosen.c_str()))

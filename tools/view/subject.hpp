@@ -103,6 +103,9 @@ std::string Written(const Vorn::Vector3& v);
 Vorn::Mesh* MeshNamed(const std::string& name, Resources& resources);
 /// A list to choose from; whether another one was chosen.
 bool Choose(const char* label, std::string& chosen, const std::vector<std::string>& from);
+/// Of the fields that follow in the panel: so wide that a label of that many pixels is seen whole
+/// beside them. ImGui::PopItemWidth ends it.
+void PushFieldWidth(float label);
 /// The shapes first, then the game's meshes.
 std::vector<std::string> MeshChoices();
 

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "tools/view/viewer.hpp"
 
+#include "tools/view/overheard.hpp"
 #include "tools/view/pose.hpp"
 
-#include "platform/control/vorn_platform.hpp"
 #include "vorn/core/file.hpp"
 #include "vorn/render/graphic.hpp"
 #include "vorn/shell/engine.hpp"
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 #include <numbers>
-#include <sstream>
-#include <stdexcept>
 
 namespace View {
 namespace {
@@ -39,20 +36,6 @@ std::map<std::string, std::string> TextsIn(const fs::path& folder) {
             texts.emplace(path, Vorn::TextFromFile(path));
     return texts;
 }
-
-/// What the engine has to say of a shader goes to standard output.
-class Overheard {
-public:
-    Overheard() : mBefore(std::cout.rdbuf(mText.rdbuf())) {}
-    Overheard(const Overheard&) = delete;
-    Overheard& operator=(const Overheard&) = delete;
-    ~Overheard() { std::cout.rdbuf(mBefore); }
-    std::string Text() const { return mText.str(); }
-
-private:
-    std::ostringstream mText;
-    std::streambuf* mBefore;
-};
 
 } // namespace
 
@@ -89,10 +72,17 @@ float Viewer::panelShare() const {
 void Viewer::Update(float dt) {
     const float passed = playing ? dt * speed : 0.0f;
     mTime += passed;
+    mNoteLeft = std::max(0.0f, mNoteLeft - dt);
     if (passed > 0)
         mSubject->Update(passed);
     if (const std::optional<Bounds> focus = mSubject->TakeFocus())
         mOrbit.Frame(*focus, freeAspect());
+}
+
+void Viewer::Tell(const std::string& note) {
+    constexpr float Long = 4.0f; // (unit: seconds)
+    mNote = note;
+    mNoteLeft = Long;
 }
 
 void Viewer::FrameAll() {
@@ -182,7 +172,7 @@ void Viewer::placeLight() {
                             -std::cos(pitch) * std::sin(yaw));
     mLight = mOrbit.Camera().LookAt() + way * away;
     // As bright where the thing is as a light that is near: the shader's has half at 100.
-    const float bright = 1 + away * away / 10000;
+    const float bright = lightStrength * (1 + away * away / 10000);
     auto& graphic = *Vorn::Graphic::Instance();
     graphic.SetPointLightPosition(mLight);
     graphic.SetPointLightSettings({bright, bright, bright}, {bright, bright, bright}, {0, 0, 0});
@@ -251,17 +241,6 @@ void Viewer::addBones(const Part& part) {
             mFront.Add(at - way, at + way, joint);
         mFront.Write(at, bone.mName, name);
     }
-}
-
-void Viewer::SavePicture(const std::string& path) const {
-    IDirect3DSurface9* surface = nullptr;
-    Vorn::Graphic::GetDevice()->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &surface);
-    const HRESULT result =
-        D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
-    if (surface)
-        surface->Release();
-    if (FAILED(result))
-        throw std::runtime_error("cannot write " + path);
 }
 
 } // namespace View

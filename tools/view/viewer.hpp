@@ -30,8 +30,6 @@ public:
     /// Reads again what has changed. What is broken now stays as it was, and is told by Faults.
     void CheckFiles();
     void Draw();
-    /// The last picture that was drawn. Raises std::runtime_error if it cannot be written.
-    void SavePicture(const std::string& path) const;
 
     /// All of it in the picture again.
     void FrameAll();
@@ -46,6 +44,9 @@ public:
     const View::Orbit& Orbit() const { return mOrbit; }
     View::Subject& Subject() { return *mSubject; }
     const View::Stage& Stage() const { return mStage; }
+    /// A line for the user, which stays for a few seconds; an empty one takes it away.
+    void Tell(const std::string& note);
+    std::string Note() const { return mNoteLeft > 0 ? mNote : std::string(); }
     /// What is wrong with the files now.
     Problems Faults() const;
     const Lines& WorldLines() const { return mLines; }
@@ -60,6 +61,7 @@ public:
     bool posed = true; // else skinned models stand as their file has them, and are lit
     float speed = 1.0f;
     float lightYaw = 35.0f, lightPitch = 30.0f; // from the eye (unit: degrees)
+    float lightStrength = 1.0f;                 // a game's own shader may want more
 
 private:
     void placeLight();
@@ -89,6 +91,8 @@ private:
     Lines mLines, mFront;
     Problems mProblems; // of a change that could not be shown
     std::map<std::string, Stamp> mShaderStamps;
+    std::string mNote;
+    float mNoteLeft = 0.0f; // (unit: seconds)
     float mTime = 0.0f;
     float mGridCell = 0.0f;
     int mDrawCalls = 0;

@@ -162,6 +162,25 @@ std::string WriteFile(const std::string& name, const std::string& text) {
     return {};
 }
 
+/// The box of the desktop breaks no lines, and would become wider than the screen.
+std::string Wrapped(std::string text) {
+    constexpr std::size_t Width = 84;
+    std::size_t start = 0, blank = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n') {
+            start = i + 1;
+            continue;
+        }
+        if (text[i] == ' ')
+            blank = i;
+        if (i - start >= Width && blank > start) {
+            text[blank] = '\n';
+            start = blank + 1;
+        }
+    }
+    return text;
+}
+
 [[noreturn]] void OnTerminate() noexcept {
     // What goes wrong in here, or in another thread meanwhile, is not worth a second page.
     static std::atomic_flag busy;
@@ -175,10 +194,12 @@ std::string WriteFile(const std::string& name, const std::string& text) {
     std::fputs(page.c_str(), stderr);
     if (!file.empty()) {
         std::fprintf(stderr, "\nThis page is in %s\n", file.c_str());
-        summary += "\nThe whole page, to be copied, is in\n" + file + "\n";
+        summary += "\nOK opens the whole page, to be copied. It is in\n" + file + "\n";
     }
-    // Not every desktop has such windows (X11 needs its own old fonts); then its editor shows it.
-    if (!MessageBoxA(Engine::mWnd, summary.c_str(), details.game.c_str(), MB_OK | MB_ICONERROR))
+    // Nothing can be selected in the box, and not every desktop has one (X11 needs its own old
+    // fonts): the desktop's editor has it all.
+    MessageBoxA(Engine::mWnd, Wrapped(summary).c_str(), details.game.c_str(), MB_OK | MB_ICONERROR);
+    if (!file.empty())
         ShellExecuteA(Engine::mWnd, "open", file.c_str(), nullptr, nullptr, SW_SHOWDEFAULT);
     std::abort();
 }

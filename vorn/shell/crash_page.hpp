@@ -7,8 +7,8 @@
 //       Vorn::ShowCrashPage({.game = "Meadow", .contact = "bugs@meadow.example", .recording = ""});
 //       ...
 //
-// The page goes to standard error and into a file, and where there is a display a window shows it,
-// or the desktop's editor if it has no such window.
+// The page goes to standard error and into a file. Where there is a display a box tells what to do,
+// and then the desktop's editor opens the file, to copy from.
 // Without this call such an exception ends the program with one line, as C++ has it.
 #pragma once
 
