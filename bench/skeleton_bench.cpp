@@ -37,8 +37,10 @@ public:
                 mesh.mBones[static_cast<std::size_t>(bone.mParent)].mChildren.push_back(i);
             }
             bone.mOffset = Vorn::Matrix4::Translation(place()) * turn().QuatToMatrix();
-            makeKeys(bone, mesh.mTime);
         }
+        // Behind the bones, as a model file has them and its reader asks for their memory.
+        for (Vorn::Bone& bone : mesh.mBones)
+            makeKeys(bone, mesh.mTime);
     }
 
 private:

@@ -3,6 +3,7 @@
 // All of Vorn.
 #pragma once
 
+#include "vorn/core/block_allocator.hpp"
 #include "vorn/core/data_error.hpp"
 #include "vorn/core/delta_clock.hpp"
 #include "vorn/core/file.hpp"

@@ -7,6 +7,8 @@ class DataError;
 class DeltaClock;
 class Timer;
 template <typename T>
+class BlockAllocator;
+template <typename T>
 class Singleton;
 
 } // namespace Vorn

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "vorn/core/api.hpp"
+#include "vorn/core/block_allocator.hpp"
 #include "vorn/math/matrix4.hpp"
 #include "vorn/math/quaternion.hpp"
 #include "vorn/math/vector3.hpp"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,19 @@ struct VORN_API BoneKey {
     Vector3 mPosition;
     Quaternion mRotation;
 };
+
+} // namespace Vorn
+
+/// The keys of a crowd of skeletons lie side by side, in every vector of the standard library.
+template <>
+class std::allocator<Vorn::BoneKey> : public Vorn::BlockAllocator<Vorn::BoneKey> {
+public:
+    allocator() = default;
+    template <typename U>
+    allocator(const std::allocator<U>& /*other*/) noexcept {}
+};
+
+namespace Vorn {
 
 struct VORN_API Bone {
     std::string mName;
