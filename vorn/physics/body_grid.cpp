@@ -6,6 +6,11 @@
 // cells to itself.
 #include "vorn/physics/body_grid.hpp"
 
+#include "vorn/physics/pair_lanes.hpp"
+
+#include <array>
+#include <span>
+
 namespace Vorn {
 
 namespace {
@@ -136,14 +141,24 @@ std::size_t BodyGrid::AskInFront(std::size_t place, const Stretch& stretch,
     const Window window{cellOf(bounds.center - corner), cellOf(bounds.center + corner)};
     const PairQuestion question(bounds, stretch);
     std::size_t count = 0;
+    std::array<PlaceRange, 32> ranges; // more than there can be, as cells are chosen
+    std::size_t used = 0, places = 0;
+    const auto ask = [&] {
+        const std::size_t needed = count + places + BodyLanes::Lanes;
+        if (out.size() < needed)
+            out.resize(2 * needed);
+        int* const end = question.Ask(mSorted, std::span(ranges.data(), used), out.data() + count);
+        count = static_cast<std::size_t>(end - out.data());
+        used = places = 0;
+    };
     const auto visit = [&](std::size_t begin, std::size_t end) {
         // Rows that share a place in the hash are visited more than once.
         if (begin >= end)
             return;
-        if (out.size() < count + (end - begin) + 4)
-            out.resize(2 * out.size() + (end - begin) + 4);
-        count = static_cast<std::size_t>(question.Ask(mSorted, begin, end, out.data() + count) -
-                                         out.data());
+        if (used == ranges.size())
+            ask();
+        ranges[used++] = {begin, end};
+        places += end - begin;
     };
 
     // The rest of its own row, where only the first stretch begins at the body's own cell; then the
@@ -158,6 +173,7 @@ std::size_t BodyGrid::AskInFront(std::size_t place, const Stretch& stretch,
     for (int z = cell.z + 1; z <= window.high.z; ++z)
         for (int y = window.low.y; y <= window.high.y; ++y)
             ForRow(y, z, window.low.x, window.high.x, visit);
+    ask();
     return count;
 }
 

@@ -8,6 +8,7 @@
 
 #include "vorn/physics/body_grid.hpp"
 #include "vorn/physics/body_lanes.hpp"
+#include "vorn/physics/pair_lanes.hpp"
 
 #include <algorithm>
 #include <bit>
@@ -17,11 +18,6 @@
 #include <vector>
 
 namespace Vorn {
-
-/// A body, and its place in the order of space.
-struct Placed {
-    int id, place;
-};
 
 class BodyGroup {
 public:
@@ -46,9 +42,10 @@ public:
     /// for each body, or as soon as `found.GoesOn()` is.
     template <typename Found>
     bool FindPairs(const Stretch& stretch, Found& found) {
-        return mPairsKnown = mUsesGrid && mOutside.Size() < mAll.Size() / 8 &&
-                             findInGrid(stretch, found) && findOutside(stretch, found);
+        return mPairsKnown =
+                   MayFindPairs() && findInGrid(stretch, found) && findOutside(stretch, found);
     }
+    bool MayFindPairs() const { return mUsesGrid && mOutside.Size() < mAll.Size() / 8; }
     /// Whether that still holds, for all but those that have moved since.
     bool PairsKnown() const { return mPairsKnown; }
     bool AnyMoved() const { return mOutside.Size() > mUnmoved; }
@@ -81,12 +78,15 @@ private:
     template <typename Found>
     bool findOutside(const Stretch& stretch, Found& found) {
         const BodyLanes& sorted = mGrid.Sorted();
-        mAnswer.resize(std::max(mAnswer.size(), mAll.Size() + 4));
+        mAnswer.resize(std::max(mAnswer.size(), mAll.Size() + BodyLanes::Lanes));
         for (std::size_t at = 0; at < mOutside.Size() && found.GoesOn(); ++at) {
             const Placed placed{mOutside.Id(at), static_cast<int>(sorted.Size() + at)};
             const PairQuestion question(mOutside.At(at), stretch);
             const auto ask = [&](const BodyLanes& lanes, std::size_t base, std::size_t begin) {
-                const int* end = question.Ask(lanes, begin, lanes.Size(), mAnswer.data());
+                if (begin >= lanes.Size())
+                    return;
+                const PlaceRange all[] = {{begin, lanes.Size()}};
+                const int* end = question.Ask(lanes, all, mAnswer.data());
                 tell(placed, lanes, base, static_cast<std::size_t>(end - mAnswer.data()), found);
             };
             ask(sorted, 0, 0);

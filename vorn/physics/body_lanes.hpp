@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Below BodyGroup: bounds of bodies, four side by side, and the questions that are put to four at
-// a time.
+// Below BodyGroup: bounds of bodies, eight side by side, and the question of one body to others,
+// four at a time. That of all bodies to all stands in pair_lanes.hpp.
 #pragma once
 
 #include "vorn/core/float4.hpp"
@@ -12,6 +12,7 @@
 #include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <vector>
@@ -24,43 +25,60 @@ struct Bounds {
     float reach = 0.0f;
 };
 
-/// Bounds in blocks of four, each with the id of its body; what is left of the last block has the
+/// Bounds in blocks of eight, each with the id of its body; what is left of the last block has the
 /// id -1, which no question is for.
 class BodyLanes {
 public:
-    struct Block {
-        Float4 x{}, y{}, z{}, reach{};
-        Int4 id{-1, -1, -1, -1};
+    static constexpr std::size_t Lanes = 8;
+    struct alignas(32) Block {
+        float x[Lanes] = {}, y[Lanes] = {}, z[Lanes] = {}, reach[Lanes] = {};
+        std::int32_t id[Lanes] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    };
+    /// Half of a block.
+    struct Four {
+        Float4 x, y, z, reach;
+        Int4 id;
     };
 
     std::size_t Size() const { return mSize; }
     const Block* Blocks() const { return mBlocks.data(); }
+    Four FourAt(std::size_t four) const {
+        const Block& block = mBlocks[four / 2];
+        const std::size_t lane = four % 2 * 4;
+        Four at;
+        std::memcpy(&at.x, block.x + lane, sizeof at.x);
+        std::memcpy(&at.y, block.y + lane, sizeof at.y);
+        std::memcpy(&at.z, block.z + lane, sizeof at.z);
+        std::memcpy(&at.reach, block.reach + lane, sizeof at.reach);
+        std::memcpy(&at.id, block.id + lane, sizeof at.id);
+        return at;
+    }
 
     /// New places hold whatever the caller then sets.
     void Resize(std::size_t size) {
         mSize = size;
-        mBlocks.resize((size + 3) / 4);
-        for (std::size_t at = size; at < 4 * mBlocks.size(); ++at)
-            mBlocks.back().id[at % 4] = -1;
+        mBlocks.resize((size + Lanes - 1) / Lanes);
+        for (std::size_t at = size; at < Lanes * mBlocks.size(); ++at)
+            mBlocks.back().id[at % Lanes] = -1;
     }
     void Push(int id, const Bounds& bounds) {
-        if (mSize % 4 == 0)
+        if (mSize % Lanes == 0)
             mBlocks.emplace_back();
         Set(mSize++, id, bounds);
     }
     void Set(std::size_t at, int id, const Bounds& bounds) {
-        Block& block = mBlocks[at / 4];
-        const std::size_t lane = at % 4;
+        Block& block = mBlocks[at / Lanes];
+        const std::size_t lane = at % Lanes;
         block.x[lane] = bounds.center.x;
         block.y[lane] = bounds.center.y;
         block.z[lane] = bounds.center.z;
         block.reach[lane] = bounds.reach;
         block.id[lane] = id;
     }
-    int Id(std::size_t at) const { return mBlocks[at / 4].id[at % 4]; }
+    int Id(std::size_t at) const { return mBlocks[at / Lanes].id[at % Lanes]; }
     Bounds At(std::size_t at) const {
-        const Block& block = mBlocks[at / 4];
-        const std::size_t lane = at % 4;
+        const Block& block = mBlocks[at / Lanes];
+        const std::size_t lane = at % Lanes;
         return {{block.x[lane], block.y[lane], block.z[lane]}, block.reach[lane]};
     }
 
@@ -92,7 +110,7 @@ inline float HalfWindow(const Bounds& asks, const Stretch& stretch, float reach)
 
 /// Lets everybody pass.
 struct NoFilter {
-    Int4 operator()(const BodyLanes::Block&) const { return Int4{-1, -1, -1, -1}; }
+    Int4 operator()(const BodyLanes::Four&) const { return Int4{-1, -1, -1, -1}; }
 };
 
 /// Lets those pass whose spheres reach into the box along each of its axes. An axis that has no
@@ -102,7 +120,7 @@ public:
     /// `sides` is asked once, where anybody is in the neighbourhood at all.
     explicit BoxFilter(const std::function<const BoxSides&()>& sides) : mSides(sides) {}
 
-    Int4 operator()(const BodyLanes::Block& four) {
+    Int4 operator()(const BodyLanes::Four& four) {
         if (!mKnown)
             know();
         Int4 pass{-1, -1, -1, -1};
@@ -146,20 +164,20 @@ public:
     const Vector3& Center() const { return mAsks.center; }
     float HalfWindow(float reach) const { return Vorn::HalfWindow(mAsks, mStretch, reach); }
 
-    /// Appends the ids of `begin` to `end`, and perhaps of those who share a block with them.
+    /// Appends the ids of `begin` to `end`, and perhaps of those beside them.
     void Ask(const BodyLanes& lanes, std::size_t begin, std::size_t end, std::vector<int>& out) {
         if (begin == end)
             return;
-        const BodyLanes::Block* const last = lanes.Blocks() + (end - 1) / 4;
-        for (const BodyLanes::Block* block = lanes.Blocks() + begin / 4; block <= last; ++block) {
-            const Float4 dx = block->x - mX, dy = block->y - mY, dz = block->z - mZ;
-            const Float4 sum = mReach + mOther * block->reach;
-            Int4 meets = (dx * dx + dy * dy + dz * dz <= sum * sum) & (block->id >= mFrom);
+        for (std::size_t i = begin / 4; i <= (end - 1) / 4; ++i) {
+            const BodyLanes::Four four = lanes.FourAt(i);
+            const Float4 dx = four.x - mX, dy = four.y - mY, dz = four.z - mZ;
+            const Float4 sum = mReach + mOther * four.reach;
+            Int4 meets = (dx * dx + dy * dy + dz * dz <= sum * sum) & (four.id >= mFrom);
             if (!LaneBits(meets))
                 continue;
-            meets &= mFilter(*block);
+            meets &= mFilter(four);
             for (unsigned int bits = LaneBits(meets); bits; bits &= bits - 1)
-                out.push_back(block->id[std::countr_zero(bits)]);
+                out.push_back(four.id[std::countr_zero(bits)]);
         }
     }
 
@@ -169,60 +187,6 @@ private:
     Filter mFilter;
     const Float4 mX, mY, mZ, mReach, mOther;
     const Int4 mFrom;
-};
-
-/// One body against others, whichever of the two comes first in the list and so asks.
-class PairQuestion {
-public:
-    PairQuestion(const Bounds& bounds, const Stretch& stretch)
-        : mX(AllFour(bounds.center.x)), mY(AllFour(bounds.center.y)), mZ(AllFour(bounds.center.z)),
-          mReach(AllFour(bounds.reach)), mStretched(AllFour(bounds.reach * stretch.other)),
-          mOther(AllFour(stretch.other)), mLess(AllFour(stretch.other - stretch.own)) {}
-
-    /// Writes the places of those of `begin` to `end` that it may meet, and returns the end of what
-    /// it has written; four more may be overwritten.
-    int* Ask(const BodyLanes& lanes, std::size_t begin, std::size_t end, int* out) const {
-        if (begin >= end)
-            return out;
-        std::size_t block = begin / 4;
-        const std::size_t last = (end - 1) / 4;
-        Int4 asked = From[begin % 4];
-        for (; block != last; ++block) {
-            out = write(meets(lanes.Blocks()[block]) & asked, block, out);
-            asked = To[3];
-        }
-        return write(meets(lanes.Blocks()[block]) & asked & To[(end - 1) % 4], block, out);
-    }
-
-private:
-    static constexpr Int4 From[4] = {
-        {-1, -1, -1, -1}, {0, -1, -1, -1}, {0, 0, -1, -1}, {0, 0, 0, -1}};
-    static constexpr Int4 To[4] = {
-        {-1, 0, 0, 0}, {-1, -1, 0, 0}, {-1, -1, -1, 0}, {-1, -1, -1, -1}};
-
-    // The larger of the two is taken for the one that is asked, and so stretched.
-    Int4 meets(const BodyLanes::Block& block) const {
-        const Float4 dx = block.x - mX, dy = block.y - mY, dz = block.z - mZ;
-        const Float4 smaller = block.reach < mReach ? block.reach : mReach;
-        const Float4 sum = mStretched + mOther * block.reach - mLess * smaller;
-        // Two without an end make a NaN of the sum, and meet.
-        return ~(dx * dx + dy * dy + dz * dz > sum * sum);
-    }
-    // Without a branch: who meets whom cannot be predicted.
-    static int* write(const Int4& meets, std::size_t block, int* out) {
-        // The lanes that are set, one after the other.
-        static constexpr Int4 Lanes[16] = {{0, 0, 0, 0}, {0, 0, 0, 0}, {1, 0, 0, 0}, {0, 1, 0, 0},
-                                           {2, 0, 0, 0}, {0, 2, 0, 0}, {1, 2, 0, 0}, {0, 1, 2, 0},
-                                           {3, 0, 0, 0}, {0, 3, 0, 0}, {1, 3, 0, 0}, {0, 1, 3, 0},
-                                           {2, 3, 0, 0}, {0, 2, 3, 0}, {1, 2, 3, 0}, {0, 1, 2, 3}};
-        const unsigned int bits = LaneBits(meets);
-        const int first = static_cast<int>(4 * block);
-        const Int4 places = Lanes[bits] + Int4{first, first, first, first};
-        std::memcpy(out, &places, sizeof places);
-        return out + std::popcount(bits);
-    }
-
-    const Float4 mX, mY, mZ, mReach, mStretched, mOther, mLess;
 };
 
 } // namespace Vorn

@@ -24,6 +24,13 @@ void SortOut(std::vector<int>& ids) {
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
 }
 
+// Brings to the cache what will be needed. The empty statement is an effect: gcc drops calls of a
+// function that does nothing but prefetch.
+inline void Fetch(const void* memory) {
+    __builtin_prefetch(memory);
+    __asm__ volatile("");
+}
+
 // By their bits: what is computed from them is the same, and a NaN is as it was.
 template <typename T>
 bool IsSame(const T& a, const T& b) {
@@ -118,18 +125,21 @@ void PairWalk::gather(const std::list<PhysicsCmpt*>& cmpts) {
             (added.kind == Kind::Box ? mDynamicBoxes : mDynamicSpheres).push_back(id);
     }
     int boxes = 0, spheres = 0;
+    mAnyMask = false;
     for (Id id = 0; id < count(); ++id) {
         Body& added = body(id);
         if (added.kind == Kind::None)
             continue;
         added.index = added.kind == Kind::Box ? boxes++ : spheres++;
+        mAnyMask = mAnyMask || (added.kind == Kind::Box && added.mask.any());
         groupOf(added).Add(id, boundsOf(added));
     }
     mBoxes.Build();
     mSpheres.Build();
-    mShapes.resize(static_cast<std::size_t>(boxes));
-    for (Shape& shape : mShapes)
-        shape.known = false;
+    for (Id id : mBoxes.Ids())
+        body(id).place = mBoxes.PlaceOf(body(id).index);
+    mShapes.resize(mBoxes.Ids().size());
+    mShapesKnown.assign(mShapes.size(), false);
 }
 
 PairWalk::Id PairWalk::add(PhysicsCmpt* cmpt) {
@@ -198,24 +208,23 @@ Bounds PairWalk::boundsOf(const Body& body) const {
 }
 
 const PairWalk::Shape& PairWalk::shapeOf(Id id) {
-    Body& box = body(id);
+    const Body& box = body(id);
+    const auto place = static_cast<std::size_t>(box.place);
     // The shapes of strays are needed two at a time, and kept no longer.
-    if (!box.stray)
-        return shapeAt({id, box.place});
-    Shape& shape = mStrayShapes[mLastStrayShape ^= 1];
-    make(shape, id);
+    Shape& shape = box.stray ? mStrayShapes[mLastStrayShape ^= 1] : mShapes[place];
+    if (!box.stray && std::exchange(mShapesKnown[place], true))
+        return shape;
+    shape.corners = CornersOf(BodyTransform(box.sphere.center, turnOf(id)), box.size);
+    shape.sides.axes = AxesOf(shape.corners);
+    shape.sides.reach = Project(shape.corners, shape.sides.axes);
     return shape;
 }
 
-void PairWalk::make(Shape& shape, Id id) {
-    const Body& box = body(id);
+const BodyTurn& PairWalk::turnOf(Id id) {
     Turn& turn = mTurns[static_cast<std::size_t>(id)];
     if (!std::exchange(turn.known, true))
         turn.turn = TurnOf(turn.orientation, turn.angle);
-    shape.corners = CornersOf(BodyTransform(box.sphere.center, turn.turn), box.size);
-    shape.sides.axes = AxesOf(shape.corners);
-    shape.sides.reach = Project(shape.corners, shape.sides.axes);
-    shape.known = true;
+    return turn.turn;
 }
 
 BodyGroup& PairWalk::groupOf(const Body& body) {
@@ -256,18 +265,18 @@ void PairWalk::walkRow(Id i) {
 
 // Hits lead all over the memory, and the next ones are known.
 void PairWalk::fetchAhead(std::size_t hit) const {
-    constexpr std::size_t Far = 8, Near = 4;
+    constexpr std::size_t Far = 16, Near = 8;
     if (hit + Far >= mHits.Size())
         return;
     const auto bodyAt = [this](std::size_t at) -> const Body& {
         return mBodies[static_cast<std::size_t>(mHits[at])];
     };
-    __builtin_prefetch(&bodyAt(hit + Far));
+    Fetch(&bodyAt(hit + Far));
     const Body& soon = bodyAt(hit + Near);
     if (!soon.cmpt)
         return;
-    __builtin_prefetch(&soon.entity->mAlive);
-    __builtin_prefetch(&soon.cmpt->mResponse);
+    Fetch(&soon.entity->mAlive);
+    Fetch(&soon.cmpt->mResponse);
 }
 
 // False where the row has to go on at `from` in the other way.
@@ -444,7 +453,7 @@ bool PairWalk::refresh(Id id) {
         (!swept || IsSame(before.velocity, changed.velocity)))
         return false;
     if (changed.kind == Kind::Box)
-        mShapes[static_cast<std::size_t>(changed.place)].known = false;
+        mShapesKnown[static_cast<std::size_t>(changed.place)] = false;
     groupOf(changed).Move(changed.index, boundsOf(changed));
     changed.known = false;
     return true;

@@ -20,6 +20,8 @@
 #include "vorn/physics/body_volume.hpp"
 #include "vorn/physics/fwd.hpp"
 #include "vorn/physics/pair_hits.hpp"
+#include "vorn/physics/pair_lanes.hpp"
+#include "vorn/physics/slim_box.hpp"
 #include "vorn/scene/fwd.hpp"
 
 #include <bitset>
@@ -55,20 +57,20 @@ private:
     struct Body {
         PhysicsCmpt* cmpt = nullptr; // null once it is gone
         Entity* entity = nullptr;
-        std::bitset<64> mask;
-        std::bitset<64> category;
-        Sphere sphere;
-        Vector3 velocity;
-        Vector3 size;
         Kind kind = Kind::None;
         bool dynamic = false;
         bool touched = false; // to be read anew
         bool stray = false;   // in no group, or in one that it no longer belongs to: may meet all
         bool upright = false; // a box whose three axes are sure to be of length 1, at right angles
         bool known = false;   // its hits with later bodies are, but for those that have moved
-        int index = -1;       // in its group
-        int place = 0;        // in its group's order of space
-        Id next = -1;         // the next body of the same entity
+        std::bitset<64> mask;
+        std::bitset<64> category;
+        Sphere sphere;
+        Vector3 velocity;
+        Vector3 size;
+        int index = -1; // in its group
+        int place = 0;  // in its group's order of space
+        Id next = -1;   // the next body of the same entity
     };
 
     /// Kept from step to step: turning costs more than all else that is read of a body.
@@ -83,14 +85,10 @@ private:
     struct Shape {
         BoxCorners corners;
         BoxSides sides;
-        bool known = false;
     };
 
     struct Traits {
         std::bitset<64> mask, category;
-    };
-    struct PlacedPair {
-        Placed first, second;
     };
 
     void forget(const PhysicsCmpt* cmpt);
@@ -100,13 +98,7 @@ private:
     void read(Id id);
     Bounds boundsOf(const Body& body) const;
     const Shape& shapeOf(Id id);
-    const Shape& shapeAt(const Placed& box) {
-        Shape& shape = mShapes[static_cast<std::size_t>(box.place)];
-        if (!shape.known)
-            make(shape, box.id);
-        return shape;
-    }
-    void make(Shape& shape, Id id);
+    const BodyTurn& turnOf(Id id);
     BodyGroup& groupOf(const Body& body);
 
     void findHits();
@@ -143,11 +135,12 @@ private:
     const PhysicsSystem* mSystem;
     PairWalk* mOuter = nullptr;
     std::vector<Body> mBodies;
-    std::vector<Turn> mTurns;       // by the id of the body
-    std::vector<Shape> mShapes;     // by the place of the box
-    std::vector<Traits> mBoxTraits; // by the place of the box
-    bool mAnyMask = false;          // of a box
-    std::size_t mPairsTested = 0;   // of boxes, in the last step
+    std::vector<Turn> mTurns;   // by the id of the body
+    std::vector<Shape> mShapes; // by the place of the box
+    std::vector<unsigned char> mShapesKnown;
+    std::vector<SlimBox> mSlimBoxes; // by the place of the box, as mBoxTraits; for findHits only
+    std::vector<Traits> mBoxTraits;
+    bool mAnyMask = false; // of a box
     Shape mStrayShapes[2];
     int mLastStrayShape = 0;
     BodyGroup mBoxes, mSpheres;
@@ -157,6 +150,7 @@ private:
     std::vector<Id> mStrays; // ascending
     std::vector<Id> mTouched;
     std::vector<PlacedPair> mPairs; // to be tested
+    std::vector<PlacedPair> mUnsure;
     PairHits mHits;
     std::vector<Id> mCandidates; // of the row, ascending
     std::vector<Id> mMerged;

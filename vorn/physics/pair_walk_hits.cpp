@@ -1,23 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // The part of the pair walk that finds all hits at once, before the game's code runs.
-#include "vorn/math/intersection.hpp"
 #include "vorn/physics/pair_walk.hpp"
 
 namespace Vorn {
-
-namespace {
-
-// Whether the sphere reaches into the box along each of its axes, or nearly.
-bool Reaches(const BoxSides& box, const Bounds& sphere) {
-    const Vector3& c = sphere.center;
-    const Float4 along =
-        AllFour(c.x) * box.axes.x + AllFour(c.y) * box.axes.y + AllFour(c.z) * box.axes.z;
-    const Float4 reach = AllFour(sphere.reach);
-    return LaneBits((along - reach <= box.reach.high) & (along + reach >= box.reach.low)) == 0xF;
-}
-
-} // namespace
 
 void PairWalk::findHits() {
     mHits.Clear();
@@ -32,24 +18,19 @@ void PairWalk::findHits() {
 }
 
 // Bodies stand in the order of the list, and pairs come in that of space, so what the tests need of
-// a body is laid out anew. Shapes cost more than that, and are made where they are needed; where
-// most of them are, they are made here, with one body after the other in reach.
+// a body is laid out anew.
 void PairWalk::fetchBoxes() {
-    const bool most = mPairsTested > 2 * mShapes.size();
-    mPairsTested = 0;
-    mAnyMask = false;
-    mBoxTraits.resize(mShapes.size());
-    if (mShapes.empty())
-        return;
-    for (Id id = 0; id < count(); ++id) {
-        Body& box = body(id);
-        if (box.kind != Kind::Box)
-            continue;
-        box.place = mBoxes.PlaceOf(box.index);
-        mAnyMask = mAnyMask || box.mask.any();
-        mBoxTraits[static_cast<std::size_t>(box.place)] = {box.mask, box.category};
-        if (most)
-            shapeAt({id, box.place});
+    const std::size_t boxes = mBoxes.MayFindPairs() ? mBoxes.Ids().size() : 0;
+    mSlimBoxes.resize(boxes);
+    mBoxTraits.resize(mAnyMask ? boxes : 0);
+    for (std::size_t index = 0; index < boxes; ++index) {
+        const Id id = mBoxes.Ids()[index];
+        const Body& box = body(id);
+        const auto place = static_cast<std::size_t>(box.place);
+        const float doubt = box.upright ? DoubtOf(box.sphere.center, box.size) : AllDoubt;
+        mSlimBoxes[place] = SlimBoxOf(box.sphere.center, turnOf(id), box.size, doubt);
+        if (mAnyMask)
+            mBoxTraits[place] = {box.mask, box.category};
     }
 }
 
@@ -103,26 +84,26 @@ void PairWalk::keepPairs(Passes&& passes) {
 }
 
 void PairWalk::testBoxes() {
-    mPairsTested += mPairs.size();
     if (mAnyMask)
         keepPairs([this](const PlacedPair& pair) {
             return (mBoxTraits[static_cast<std::size_t>(pair.first.place)].mask &
                     mBoxTraits[static_cast<std::size_t>(pair.second.place)].category)
                 .none();
         });
-    keepPairs([this](const PlacedPair& pair) {
-        return Reaches(shapeAt(pair.first).sides, mBoxes.BoundsAt(pair.second.place));
-    });
     // Boxes that are swept hit no box.
     if (!mDynamicBoxes.empty())
         keepPairs([this](const PlacedPair& pair) {
             return !body(pair.first.id).dynamic && !body(pair.second.id).dynamic;
         });
-    for (const PlacedPair& pair : mPairs) {
-        const BoxSides& sides = shapeAt(pair.first).sides;
-        if (Overlap(sides.reach, Project(shapeAt(pair.second).corners, sides.axes)))
+    mUnsure.resize(mPairs.size());
+    const Judged judged = JudgePairs(mSlimBoxes.data(), mPairs, mUnsure.data());
+    mPairs.resize(judged.hits);
+    mUnsure.resize(judged.unsure);
+    for (const PlacedPair& pair : mPairs)
+        mHits.Add(pair.first.id, pair.second.id);
+    for (const PlacedPair& pair : mUnsure)
+        if (boxesHit(pair.first.id, pair.second.id))
             mHits.Add(pair.first.id, pair.second.id);
-    }
 }
 
 void PairWalk::testSpheres() {
