@@ -124,6 +124,9 @@ Game::~Game() {
     RscPackManager::Instance()->Free();
     MeshManager::Instance()->Unload("seabed");
     mEngine.Free();
+    // Nobody need have closed it; and a process may see another game.
+    DestroyWindow(Engine::mWnd);
+    Engine::isShutdown = false;
 }
 
 void Game::registerTypes() {

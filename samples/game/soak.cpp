@@ -175,7 +175,6 @@ void Soak(int frames, unsigned int seed) {
         FetchMessages();
         if (!game->Running()) { // closed, or Escape on the title: begin again, as a player would
             game.reset();
-            Vorn::Engine::isShutdown = false;
             game = std::make_unique<Game>(Width, Height, ScratchScore());
             ++games;
         }

@@ -7,6 +7,24 @@ namespace {
 
 using namespace TriggerTests;
 
+// Of a host; a script can name it, and has nothing to read it with.
+class Own final : public BaseEventType<Own> {
+public:
+    int magic = 0x4f574e;
+
+    std::istream& LoadData(std::istream& stream) override { return stream; }
+    bool CheckCondition(Own&, Own& script, Vorn::Trigger::StaticData&) override {
+        return script.magic == magic;
+    }
+};
+
+} // namespace
+
+template <>
+std::string Vorn::Trigger::EventType::BaseEventType<Own>::mName = "OWN";
+
+namespace {
+
 class TriggerScript : public TriggerTest {
 protected:
     /// What a script with this event answers to: the frames of half a second in which it fires,
@@ -103,6 +121,20 @@ TEST_F(TriggerScript, UnknownLastWordStaysAsTheType) {
         Load(R"({"Event": ["KEY_PRESSED k", "NOTHING else"], "Action": ["A b", "", " c "]})"));
     EXPECT_EQ(trigger->mEvent.mType, "NOTHING");
     EXPECT_THAT(trigger->mAction.mCommands, ElementsAre("A b", "", " c "));
+}
+
+TEST_F(TriggerScript, OfAnEngineEventIsNotTakenForAnEventOfTheHost) {
+    const std::string made = R"(, "Action": ["CREATE_ENTITY w thing POSITION 0 0 0"]})";
+    Own own;
+    for (const bool isOwn : {false, true}) {
+        Vorn::TriggerManager heard;
+        auto* const trigger = Load(R"({"Event": ["TIME_ELAPSED 30", "OWN 5"])" + made);
+        if (isOwn)
+            trigger->mEvent.Replace(new Own);
+        heard.Push(trigger);
+        heard.Raise(own);
+        EXPECT_EQ(Frame(heard, 1.0).empty(), !isOwn);
+    }
 }
 
 TEST_F(TriggerScript, ThatDoesNotParseHasNoEventAndNoCommands) {

@@ -32,10 +32,6 @@ public:
 
     /// Where a body stands in the order of space, after Build.
     int PlaceOf(int index) const { return mPlaces[static_cast<std::size_t>(index)]; }
-    Bounds BoundsAt(int place) const {
-        const auto at = static_cast<std::size_t>(place), sorted = mGrid.Sorted().Size();
-        return at < sorted ? mGrid.Sorted().At(at) : mOutside.At(at - sorted);
-    }
 
     /// Calls `found(first, second)` with each pair that may meet, the lower id first, in any order,
     /// with some perhaps twice. False, with some of them told perhaps, where it is better to ask

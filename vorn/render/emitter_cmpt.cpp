@@ -139,6 +139,7 @@ void EmitterCmpt::layOutPool() {
     if (mSize < 0 || mSize > MaxParticles)
         throw std::length_error("vector<T> too long");
     const auto size = static_cast<std::size_t>(mSize);
+    mFreeParticles.clear(); // they point into the pool, which may be gone where memory ends
     if (size > mParticles.capacity()) {
         // Old particles need not move.
         mParticles = std::vector<Particle>();
@@ -147,7 +148,6 @@ void EmitterCmpt::layOutPool() {
     }
     mParticles.assign(size, Particle());
 
-    mFreeParticles.clear();
     mFreeParticles.reserve(size);
     for (Particle& particle : mParticles)
         mFreeParticles.push_back(&particle);

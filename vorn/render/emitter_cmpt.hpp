@@ -45,7 +45,8 @@ public:
     void SerializeValue(Json::Value& out, bool master) const override;
     /// Takes the texture from its store, makes all particles dead, rolls the interval of emissions
     /// and lets the emitter emit. Raises std::out_of_range, "invalid map<K, T> key", for a texture
-    /// that is not in the store; then nothing has changed.
+    /// that is not in the store; then nothing has changed. Raises std::length_error as Conform does
+    /// where a layer has changed "Size" since; the pool stays as it was then.
     void Init() override;
     void Deinit() override;
     /// Takes over the values, but not what SetEmitterLifeSpan has set, and makes the pool: "Size"

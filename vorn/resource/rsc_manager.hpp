@@ -32,7 +32,6 @@ public:
     RscManager() = default;
     RscManager(const RscManager&) = default;
     RscManager& operator=(const RscManager&) = default;
-    virtual ~RscManager() = default;
 
     /// Never loads. Raises std::out_of_range, "invalid map<K, T> key", for a name that is not
     /// there.

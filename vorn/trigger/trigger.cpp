@@ -39,7 +39,7 @@ bool ReadEventOf(Event& event, std::istream& stream) {
         return false;
     auto object = std::make_unique<T>();
     object->LoadData(stream);
-    event.Replace(object.release());
+    event.Replace(object.release(), &T::mName);
     return true;
 }
 
@@ -61,12 +61,13 @@ void ReadEvent(Event& event, const std::string& element) {
 } // namespace
 
 Event::Event(Event&& event) noexcept
-    : mType(std::move(event.mType)), mData(std::exchange(event.mData, nullptr)) {}
+    : mType(std::move(event.mType)), mData(std::exchange(event.mData, nullptr)),
+      mDataName(event.mDataName) {}
 
 Event& Event::operator=(Event&& event) noexcept {
     if (this != &event) {
         mType = std::move(event.mType);
-        Replace(std::exchange(event.mData, nullptr));
+        Replace(std::exchange(event.mData, nullptr), event.mDataName);
     }
     return *this;
 }
@@ -75,8 +76,9 @@ Event::~Event() {
     Replace(nullptr);
 }
 
-void Event::Replace(void* data) {
+void Event::Replace(void* data, const std::string* name) {
     ::operator delete(std::exchange(mData, data));
+    mDataName = name;
 }
 
 Trigger* Trigger::LoadScript(const std::string& name) {

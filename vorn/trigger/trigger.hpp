@@ -44,7 +44,8 @@ struct VORN_API StaticData {
 class VORN_API Event {
 public:
     /// The event's name. It decides which events are held against the object, so the object is of
-    /// the class with this `mName`; a name that is no event's is never looked at.
+    /// the class with this `mName`. A name that is no event's is never looked at, nor one that a
+    /// script has put beside an object of another class.
     std::string mType;
     /// An object of an event class, made with `new`, or null, which never fires. It is freed as
     /// plain memory, without its destructor: nobody knows its class any more, the name least of
@@ -58,8 +59,16 @@ public:
     Event& operator=(Event&& event) noexcept;
     ~Event();
 
-    /// Takes the object over and frees the one that was there.
-    void Replace(void* data);
+    /// Takes the object over and frees the one that was there. A reader that goes on to other names
+    /// tells the `mName` of the object's class.
+    void Replace(void* data, const std::string* name = nullptr);
+    /// Whether events of the class with this `mName` may be held against the object.
+    bool IsFor(const std::string& name) const {
+        return mData && mType == name && (!mDataName || mDataName == &name);
+    }
+
+private:
+    const std::string* mDataName = nullptr; // of the class of mData, where it is known
 };
 
 struct VORN_API Trigger : StaticData {
@@ -67,7 +76,7 @@ struct VORN_API Trigger : StaticData {
     /// Stays as read: each firing runs a copy.
     Action mAction;
     /// The name that LoadScript was given; empty for a trigger that was made otherwise.
-    std::string mScript;
+    std::string mScript{};
 
     /// Reads a script: "data/trigger/" and `name`, which carries its own extension. Raises
     /// std::runtime_error for a file that cannot be opened, and DataError where "Event" or "Action"

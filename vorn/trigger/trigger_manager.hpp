@@ -85,11 +85,9 @@ void TriggerManager::Raise(T& event) {
     const std::size_t count = mTriggers.size();
     for (std::size_t i = 0; i < count; ++i) {
         Trigger::Trigger& trigger = *mTriggers[i];
-        const Trigger::Event& expected = trigger.mEvent;
-        if (trigger.mDone || !expected.mData ||
-            expected.mType != Trigger::EventType::BaseEventType<T>::mName)
+        if (trigger.mDone || !trigger.mEvent.IsFor(Trigger::EventType::BaseEventType<T>::mName))
             continue;
-        T& script = *static_cast<T*>(expected.mData);
+        T& script = *static_cast<T*>(trigger.mEvent.mData);
         if (script.CheckCondition(event, script, trigger) && !trigger.mAction.mCommands.empty())
             mActive.push_back(trigger.mAction);
     }
