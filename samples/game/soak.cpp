@@ -40,7 +40,8 @@ std::size_t HeapBytes() {
 #ifdef LANTERN_SANITIZED
     return __sanitizer_get_current_allocated_bytes(); // mallinfo knows nothing here
 #else
-    return mallinfo2().uordblks;
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd; // large pieces are not of the arena
 #endif
 }
 
