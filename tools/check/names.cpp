@@ -99,8 +99,11 @@ private:
                            : reference.kind == Refers::Texture ? "texture"
                                                                : "material";
         std::vector<Note> notes;
-        if (isThere)
-            notes.push_back({{file}, "the file is there"});
+        if (isThere) {
+            Note& note = notes.emplace_back();
+            note.place.file = file;
+            note.text = "the file is there";
+        }
         tell("unlisted-name", reference, fmt::format("no resource pack lists the {}", kind),
              mGame.HasPacks() ? KeysOf(listed) : filesBelow(FolderOf(reference.kind)),
              std::move(notes));
