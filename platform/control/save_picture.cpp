@@ -11,6 +11,10 @@ void SavePicture(IDirect3DDevice9* device, const std::string& path) {
     IDirect3DSurface9* surface = nullptr;
     if (device)
         device->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &surface);
+    SaveAndRelease(surface, path);
+}
+
+void SaveAndRelease(IDirect3DSurface9* surface, const std::string& path) {
     const HRESULT result =
         D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
     if (surface)

@@ -70,12 +70,7 @@ void Sheet::Save(const std::string& path) const {
             }
         surface->UnlockRect();
     }
-    const HRESULT result =
-        D3DXSaveSurfaceToFileA(path.c_str(), D3DXIFF_PNG, surface, nullptr, nullptr);
-    if (surface)
-        surface->Release();
-    if (FAILED(result))
-        throw std::runtime_error("cannot write " + path);
+    VornPlatform::SaveAndRelease(surface, path);
 }
 
 void SavePicture(const std::string& path) {

@@ -33,9 +33,10 @@ public:
     /// Where a body stands in the order of space, after Build.
     int PlaceOf(int index) const { return mPlaces[static_cast<std::size_t>(index)]; }
 
-    /// Calls `found(first, second)` with each pair that may meet, the lower id first, in any order,
-    /// with some perhaps twice. False, with some of them told perhaps, where it is better to ask
-    /// for each body, or as soon as `found.GoesOn()` is.
+    /// Tells all pairs that may meet, the lower id first, in any order, with some perhaps twice:
+    /// writes some to `found.Room(count)`, which has room for `count`, and says by
+    /// `found.Took(end)` where they end. False, with some of them told perhaps, where it is better
+    /// to ask for each body, or as soon as `found.GoesOn()` is.
     template <typename Found>
     bool FindPairs(const Stretch& stretch, Found& found) {
         return mPairsKnown =
@@ -94,17 +95,18 @@ private:
     template <typename Found>
     void tell(const Placed& placed, const BodyLanes& lanes, std::size_t base, std::size_t count,
               Found& found) const {
+        PlacedPair* out = found.Room(count);
         const auto mine = std::bit_cast<std::uint64_t>(placed);
         for (std::size_t i = 0; i < count; ++i) {
             const int at = mAnswer[i];
             const Placed other{lanes.Id(static_cast<std::size_t>(at)), static_cast<int>(base) + at};
-            if (other.id == placed.id)
-                continue;
-            // Exchanged without a branch, which nobody could predict.
+            // Exchanged, and left out, without a branch, which nobody could predict.
             const auto its = std::bit_cast<std::uint64_t>(other);
             const std::uint64_t change = other.id < placed.id ? mine ^ its : 0;
-            found(std::bit_cast<Placed>(mine ^ change), std::bit_cast<Placed>(its ^ change));
+            *out = {std::bit_cast<Placed>(mine ^ change), std::bit_cast<Placed>(its ^ change)};
+            out += other.id != placed.id;
         }
+        found.Took(out);
     }
     template <typename Question>
     void meet(Question& question, Whom whom, int index, std::vector<Id>& out);

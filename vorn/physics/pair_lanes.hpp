@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Below BodyGroup and the pair walk: what is asked of many pairs at once. Eight lanes at a time
-// where the machine has AVX2, four elsewhere, with the same bits.
+// Below BodyGroup and the pair walk: what is asked of many pairs at once, in lanes.
 #pragma once
 
 #include "vorn/physics/body_lanes.hpp"
@@ -44,8 +43,9 @@ struct Judged {
     std::size_t hits, unsure;
 };
 
-/// Brings those of the pairs to the front whose boxes, by their places, are sure to hit, and copies
-/// those that nobody can be sure of to `unsure`, which has room for all.
+/// Brings those of the pairs to the front whose boxes, by their places, are sure to hit, the first
+/// of each by OBBToOBB with the second, and copies those that nobody can be sure of to `unsure`,
+/// which has room for all.
 Judged JudgePairs(const SlimBox* boxes, std::span<PlacedPair> pairs, PlacedPair* unsure);
 
 } // namespace Vorn

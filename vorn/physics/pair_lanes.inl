@@ -1,22 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The work of pair_lanes.cpp, which includes one version for each number of lanes. The lanes never
-// meet, and no product is fused with a sum, so that both give the same bits.
-
-// No alias declarations: clang would drop the attributes.
-typedef float Lanes __attribute__((vector_size(4 * VORN_LANES), may_alias));
-typedef std::int32_t LaneInts __attribute__((vector_size(4 * VORN_LANES), may_alias));
+// The work of pair_lanes.cpp; see lanes.hpp.
 
 inline const Lanes& LanesAt(const float* at) {
     return *reinterpret_cast<const Lanes*>(at);
-}
-
-inline unsigned int Bits(const LaneInts& mask) {
-#if VORN_LANES == 8
-    return static_cast<unsigned int>(_mm256_movemask_ps(__builtin_bit_cast(__m256, mask)));
-#else
-    return LaneBits(__builtin_bit_cast(Int4, mask));
-#endif
 }
 
 constexpr unsigned int AllLanes = (1u << VORN_LANES) - 1;
@@ -72,16 +59,62 @@ int* Ask(const PairQuestion& question, const BodyLanes& bodies, std::span<const 
     return out;
 }
 
+/// As many pairs of boxes as there are fours.
+struct BoxPairs {
+    Lanes x, y, z, half;
+
+    BoxPairs(const SlimBox& first, const SlimBox& second)
+        : x(Join(first.x, second.x)), y(Join(first.y, second.y)), z(Join(first.z, second.z)),
+          half(Join(first.half, second.half)) {}
+};
+
+/// Four bits for each pair: those of the axes that keep its boxes apart are not set in `hit` and
+/// set in `miss`; where a bit is set in neither, nobody can be sure.
+struct Verdicts {
+    unsigned int hit, miss;
+};
+
+inline Lanes SizeOf(const Lanes& f) {
+    return f < 0.0f ? -f : f;
+}
+inline Lanes AlongAxes(const BoxPairs& a, const Lanes& x, const Lanes& y, const Lanes& z) {
+    return a.x * x + a.y * y + a.z * z;
+}
+template <int edge>
+inline Lanes ReachOfEdge(const BoxPairs& a, const BoxPairs& b) {
+    return SizeOf(AlongAxes(a, Spread<edge>(b.x), Spread<edge>(b.y), Spread<edge>(b.z))) *
+           Spread<edge>(b.half);
+}
+
+/// OBBToOBB of `a` and `b`.
+inline Verdicts Judge(const BoxPairs& a, const BoxPairs& b) {
+    const Lanes distance =
+        SizeOf(AlongAxes(a, Spread<3>(b.x - a.x), Spread<3>(b.y - a.y), Spread<3>(b.z - a.z)));
+    const Lanes limit = a.half + ReachOfEdge<0>(a, b) + ReachOfEdge<1>(a, b) + ReachOfEdge<2>(a, b);
+    const Lanes sizes = Spread<0>(limit) + Spread<1>(limit) + Spread<2>(limit);
+    const Lanes slack = (Spread<3>(a.half) + Spread<3>(b.half)) * sizes;
+    const Lanes gap = distance - limit;
+    return {Bits(gap < -slack), Bits(gap > slack)};
+}
+
 Judged JudgePairs(const SlimBox* boxes, std::span<PlacedPair> pairs, PlacedPair* unsure) {
+    constexpr unsigned int axes = 7;
     Judged judged{0, 0};
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        // Each pair is written first and kept if it belongs there, as above.
-        const PlacedPair pair = pairs[i];
-        const auto [hit, sure] = Judge(boxes[pair.first.place], boxes[pair.second.place]);
-        pairs[judged.hits] = pair;
-        judged.hits += hit;
-        unsure[judged.unsure] = pair;
-        judged.unsure += !sure;
+    for (std::size_t i = 0; i < pairs.size(); i += Fours) {
+        const std::size_t count = std::min(Fours, pairs.size() - i);
+        const PlacedPair some[] = {pairs[i], pairs[i + count - 1]};
+        const auto [hit, miss] =
+            Judge(BoxPairs(boxes[some[0].first.place], boxes[some[1].first.place]),
+                  BoxPairs(boxes[some[0].second.place], boxes[some[1].second.place]));
+        for (std::size_t four = 0; four < count; ++four) {
+            // Each pair is written first and kept if it belongs there, as above.
+            const bool hits = (hit >> 4 * four & axes) == axes;
+            const bool misses = (miss >> 4 * four & axes) != 0;
+            pairs[judged.hits] = some[four];
+            judged.hits += hits;
+            unsure[judged.unsure] = some[four];
+            judged.unsure += !hits && !misses;
+        }
     }
     return judged;
 }

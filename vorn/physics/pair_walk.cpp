@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vorn/physics/pair_walk.hpp"
 
+#include "vorn/core/fetch.hpp"
 #include "vorn/math/intersection.hpp"
 #include "vorn/physics/body_volume.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
@@ -22,13 +23,6 @@ namespace {
 void SortOut(std::vector<int>& ids) {
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-}
-
-// Brings to the cache what will be needed. The empty statement is an effect: gcc drops calls of a
-// function that does nothing but prefetch.
-inline void Fetch(const void* memory) {
-    __builtin_prefetch(memory);
-    __asm__ volatile("");
 }
 
 // By their bits: what is computed from them is the same, and a NaN is as it was.

@@ -27,6 +27,7 @@
 #include <bitset>
 #include <cstddef>
 #include <list>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -105,10 +106,8 @@ private:
     void fetchBoxes();
     template <typename Test>
     bool findHits(BodyGroup& group, const Stretch& stretch, Test test);
-    template <typename Passes>
-    void keepPairs(Passes&& passes);
-    void testBoxes();
-    void testSpheres();
+    void testBoxes(std::span<PlacedPair> pairs);
+    void testSpheres(std::span<PlacedPair> pairs);
 
     bool refusesAll(const Body& a) const;
     void walkRow(Id i);

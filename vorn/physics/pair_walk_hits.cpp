@@ -3,7 +3,25 @@
 // The part of the pair walk that finds all hits at once, before the game's code runs.
 #include "vorn/physics/pair_walk.hpp"
 
+#include <algorithm>
+#include <utility>
+
 namespace Vorn {
+
+namespace {
+
+// Each pair is written first and kept if it passes: nobody could predict a branch.
+template <typename Passes>
+std::span<PlacedPair> Keep(std::span<PlacedPair> pairs, const Passes& passes) {
+    std::size_t kept = 0;
+    for (const PlacedPair pair : pairs) {
+        pairs[kept] = pair;
+        kept += passes(pair);
+    }
+    return pairs.first(kept);
+}
+
+} // namespace
 
 void PairWalk::findHits() {
     mHits.Clear();
@@ -45,23 +63,25 @@ bool PairWalk::findHits(BodyGroup& group, const Stretch& stretch, Test test) {
         PairWalk& walk;
         Test test;
         std::size_t mostHits, mostPairs;
-        std::size_t pairs = 0;
+        std::size_t pairs = 0, used = 0;
 
-        void operator()(const Placed& first, const Placed& second) {
-            walk.mPairs.push_back({first, second});
-            if (walk.mPairs.size() == Many)
+        PlacedPair* Room(std::size_t count) {
+            if (walk.mPairs.size() < used + count)
+                walk.mPairs.resize(2 * (used + count));
+            return walk.mPairs.data() + used;
+        }
+        void Took(const PlacedPair* end) {
+            used = static_cast<std::size_t>(end - walk.mPairs.data());
+            if (used >= Many)
                 flush();
         }
         void flush() {
-            pairs += walk.mPairs.size();
-            (walk.*test)();
-            walk.mPairs.clear();
+            pairs += used;
+            (walk.*test)({walk.mPairs.data(), std::exchange(used, 0)});
         }
         bool GoesOn() const { return walk.mHits.Found() < mostHits && pairs < mostPairs; }
     };
     const std::size_t before = mHits.Found(), bodies = group.Ids().size();
-    mPairs.clear();
-    mPairs.reserve(Many);
     Collector collector{*this, test, before + HitsPerBody * bodies, PairsPerBody * bodies};
     const bool found = group.FindPairs(stretch, collector);
     if (found)
@@ -71,43 +91,29 @@ bool PairWalk::findHits(BodyGroup& group, const Stretch& stretch, Test test) {
     return found;
 }
 
-// Each pair is written first and kept if it passes: nobody could predict a branch.
-template <typename Passes>
-void PairWalk::keepPairs(Passes&& passes) {
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < mPairs.size(); ++i) {
-        const PlacedPair pair = mPairs[i];
-        mPairs[kept] = pair;
-        kept += passes(pair);
-    }
-    mPairs.resize(kept);
-}
-
-void PairWalk::testBoxes() {
+void PairWalk::testBoxes(std::span<PlacedPair> pairs) {
     if (mAnyMask)
-        keepPairs([this](const PlacedPair& pair) {
+        pairs = Keep(pairs, [this](const PlacedPair& pair) {
             return (mBoxTraits[static_cast<std::size_t>(pair.first.place)].mask &
                     mBoxTraits[static_cast<std::size_t>(pair.second.place)].category)
                 .none();
         });
     // Boxes that are swept hit no box.
     if (!mDynamicBoxes.empty())
-        keepPairs([this](const PlacedPair& pair) {
+        pairs = Keep(pairs, [this](const PlacedPair& pair) {
             return !body(pair.first.id).dynamic && !body(pair.second.id).dynamic;
         });
-    mUnsure.resize(mPairs.size());
-    const Judged judged = JudgePairs(mSlimBoxes.data(), mPairs, mUnsure.data());
-    mPairs.resize(judged.hits);
-    mUnsure.resize(judged.unsure);
-    for (const PlacedPair& pair : mPairs)
+    mUnsure.resize(std::max(mUnsure.size(), pairs.size()));
+    const Judged judged = JudgePairs(mSlimBoxes.data(), pairs, mUnsure.data());
+    for (const PlacedPair& pair : pairs.first(judged.hits))
         mHits.Add(pair.first.id, pair.second.id);
-    for (const PlacedPair& pair : mUnsure)
+    for (const PlacedPair& pair : std::span(mUnsure).first(judged.unsure))
         if (boxesHit(pair.first.id, pair.second.id))
             mHits.Add(pair.first.id, pair.second.id);
 }
 
-void PairWalk::testSpheres() {
-    for (const PlacedPair& pair : mPairs)
+void PairWalk::testSpheres(std::span<PlacedPair> pairs) {
+    for (const PlacedPair& pair : pairs)
         if (hits(pair.first.id, pair.second.id))
             mHits.Add(pair.first.id, pair.second.id);
 }

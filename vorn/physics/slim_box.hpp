@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Below the pair walk: a box in one cache line, and a test of two of them by far less than their
-// corners. Rounding makes it differ from OBBToOBB where they hardly touch or hardly miss, and
+// Below the pair walk: a box in one cache line, enough for a test of two of them by far less than
+// their corners. Rounding makes it differ from OBBToOBB where they hardly touch or hardly miss, and
 // there it says that it cannot tell.
 #pragma once
 
@@ -39,32 +39,6 @@ inline SlimBox SlimBoxOf(const Vector3& center, const BodyTurn& turn, const Vect
     return {Float4{t[0], t[2], t[1], center.x}, Float4{t[3], t[5], t[4], center.y},
             Float4{t[6], t[8], t[7], center.z},
             Float4{std::abs(size.x) / 2, std::abs(size.z) / 2, std::abs(size.y) / 2, doubt}};
-}
-
-struct BoxVerdict {
-    bool hit, sure;
-};
-
-/// Whether OBBToOBB of `a` and `b` hits.
-inline BoxVerdict Judge(const SlimBox& a, const SlimBox& b) {
-    const auto size = [](const Float4& f) { return f < 0.0f ? -f : f; };
-    const auto alongA = [&a](const Float4& x, const Float4& y, const Float4& z) {
-        return a.x * x + a.y * y + a.z * z;
-    };
-    const auto reachOfEdge = [&]<int i>() {
-        return size(alongA(Spread<i>(b.x), Spread<i>(b.y), Spread<i>(b.z))) * Spread<i>(b.half);
-    };
-    const Float4 distance =
-        size(alongA(Spread<3>(b.x - a.x), Spread<3>(b.y - a.y), Spread<3>(b.z - a.z)));
-    const Float4 limit = a.half + reachOfEdge.operator()<0>() + reachOfEdge.operator()<1>() +
-                         reachOfEdge.operator()<2>();
-    const Float4 sizes = Spread<0>(limit) + Spread<1>(limit) + Spread<2>(limit);
-    const Float4 slack = (Spread<3>(a.half) + Spread<3>(b.half)) * sizes;
-    const Float4 gap = distance - limit;
-    constexpr unsigned int Axes = 7;
-    const bool hit = (LaneBits(gap < -slack) & Axes) == Axes;
-    const bool miss = (LaneBits(gap > slack) & Axes) != 0;
-    return {hit, hit || miss};
 }
 
 } // namespace Vorn

@@ -1,20 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The evaluation of many bones at once, of which skeleton.cpp includes one version for each number
-// of lanes. The lanes never meet, and no product is fused with a sum, so that all versions give the
-// same bits. Sines and arc cosines are polynomials, good to some units in the last place.
-
-using Lanes = float __attribute__((vector_size(4 * VORN_LANES)));
-using LaneMask = std::int32_t __attribute__((vector_size(4 * VORN_LANES)));
+// The evaluation of many bones at once, for skeleton.cpp; see lanes.hpp. Sines and arc cosines are
+// polynomials, good to some units in the last place.
 
 #if VORN_LANES == 8
-
-inline Lanes Root(const Lanes& f) {
-    return __builtin_bit_cast(Lanes, _mm256_sqrt_ps(__builtin_bit_cast(__m256, f)));
-}
-inline unsigned int Bits(const LaneMask& mask) {
-    return static_cast<unsigned int>(_mm256_movemask_ps(__builtin_bit_cast(__m256, mask)));
-}
 /// Fours from eight lanes, as Transpose below leaves them.
 inline Float4 Four(const Lanes (&columns)[4], std::size_t lane) {
     const Lanes& both = columns[lane % 4];
@@ -23,7 +12,7 @@ inline Float4 Four(const Lanes (&columns)[4], std::size_t lane) {
 }
 inline void Join(const Float4* fours, Lanes (&columns)[4]) {
     for (int i = 0; i < 4; ++i)
-        columns[i] = __builtin_shufflevector(fours[i], fours[i + 4], 0, 1, 2, 3, 4, 5, 6, 7);
+        columns[i] = Join(fours[i], fours[i + 4]);
 }
 inline void Transpose(Lanes (&m)[4]) {
     const Lanes low0 = __builtin_shufflevector(m[0], m[1], 0, 8, 1, 9, 4, 12, 5, 13);
@@ -35,71 +24,34 @@ inline void Transpose(Lanes (&m)[4]) {
     m[2] = __builtin_shufflevector(high0, high1, 0, 1, 8, 9, 4, 5, 12, 13);
     m[3] = __builtin_shufflevector(high0, high1, 2, 3, 10, 11, 6, 7, 14, 15);
 }
-
-/// Two rows in each.
-struct Rows {
-    Lanes r[2];
-};
-template <int column>
-inline Lanes Spread(const Lanes& f) {
-    constexpr int second = 4 + column;
-    return __builtin_shufflevector(f, f, column, column, column, column, second, second, second,
-                                   second);
-}
-inline Lanes Twice(const Float4& f) {
-    return __builtin_shufflevector(f, f, 0, 1, 2, 3, 0, 1, 2, 3);
-}
-inline Rows Join(const Float4 (&rows)[4]) {
-    return {__builtin_shufflevector(rows[0], rows[1], 0, 1, 2, 3, 4, 5, 6, 7),
-            __builtin_shufflevector(rows[2], rows[3], 0, 1, 2, 3, 4, 5, 6, 7)};
-}
-
 #else
-
-inline Lanes Root(const Lanes& f) {
-    return RootOf(f);
-}
-inline unsigned int Bits(const LaneMask& mask) {
-    return LaneBits(mask);
-}
 inline const Float4& Four(const Lanes (&columns)[4], std::size_t lane) {
     return columns[lane];
 }
 inline void Join(const Float4* fours, Lanes (&columns)[4]) {
     std::copy_n(fours, 4, columns);
 }
-
-struct Rows {
-    Lanes r[4];
-};
-inline const Float4& Twice(const Float4& f) {
-    return f;
-}
-inline Rows Join(const Float4 (&rows)[4]) {
-    return {rows[0], rows[1], rows[2], rows[3]};
-}
-
 #endif
 
-/// As they lie in a Matrix4, which is aligned to floats only. Copied by std::memcpy they would take
-/// a way through memory.
-// No alias declarations: clang would drop the alignment.
-typedef float Loose __attribute__((vector_size(4 * VORN_LANES), aligned(4), may_alias));
-typedef float LooseFour __attribute__((vector_size(16), aligned(4), may_alias));
-
-inline Float4 FourAt(const float* from) {
-    return *reinterpret_cast<const LooseFour*>(from);
+/// The rows of a matrix, as many in each as there are fours.
+struct Rows {
+    Lanes r[4 / Fours];
+};
+inline Rows Join(const Float4 (&rows)[4]) {
+    Rows joined;
+    for (std::size_t i = 0; i < std::size(joined.r); ++i)
+        joined.r[i] = Join(rows[Fours * i], rows[Fours * i + Fours - 1]);
+    return joined;
 }
-
 inline Rows RowsOf(const Matrix4& matrix) {
     Rows rows;
     for (std::size_t i = 0; i < std::size(rows.r); ++i)
-        rows.r[i] = *reinterpret_cast<const Loose*>(matrix.m + VORN_LANES * i);
+        rows.r[i] = *reinterpret_cast<const LooseLanes*>(matrix.m + VORN_LANES * i);
     return rows;
 }
 inline void Store(const Rows& rows, Matrix4& matrix) {
     for (std::size_t i = 0; i < std::size(rows.r); ++i)
-        *reinterpret_cast<Loose*>(matrix.m + VORN_LANES * i) = rows.r[i];
+        *reinterpret_cast<LooseLanes*>(matrix.m + VORN_LANES * i) = rows.r[i];
 }
 
 /// Each element is summed up in the order of Matrix4's own product.
@@ -115,13 +67,13 @@ inline Rows Product(const Rows& left, const Float4 (&right)[4]) {
     return product;
 }
 
-inline Lanes Bitwise(const LaneMask& bits) {
+inline Lanes Bitwise(const LaneInts& bits) {
     return __builtin_bit_cast(Lanes, bits);
 }
-inline LaneMask Bitwise(const Lanes& f) {
-    return __builtin_bit_cast(LaneMask, f);
+inline LaneInts Bitwise(const Lanes& f) {
+    return __builtin_bit_cast(LaneInts, f);
 }
-inline Lanes Pick(const LaneMask& mask, const Lanes& a, const Lanes& b) {
+inline Lanes Pick(const LaneInts& mask, const Lanes& a, const Lanes& b) {
     return Bitwise((mask & Bitwise(a)) | (~mask & Bitwise(b)));
 }
 
@@ -150,9 +102,9 @@ inline Lanes ArcOf(const Lanes& c) {
 /// D3DXQuaternionSlerp.
 inline void Slerp(const Lanes (&a)[4], const Lanes (&b)[4], const Lanes& along, Lanes (&turn)[4]) {
     const Lanes product = a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
-    const LaneMask sign = Bitwise(product) & std::numeric_limits<std::int32_t>::min();
+    const LaneInts sign = Bitwise(product) & std::numeric_limits<std::int32_t>::min();
     const Lanes cosine = Bitwise(Bitwise(product) ^ sign);
-    const LaneMask wide = (1.0f - cosine) > 1e-6f;
+    const LaneInts wide = (1.0f - cosine) > 1e-6f;
     const Lanes c = Bitwise(wide & Bitwise(cosine));
     const Lanes arc = ArcOf(c);
     const Lanes perSine = 1.0f / Root((1.0f - c) * (1.0f + c));

@@ -6,7 +6,7 @@
 // no numbers.
 #include "vorn/resource/skeleton.hpp"
 
-#include "vorn/core/float4.hpp"
+#include "vorn/core/lanes.hpp"
 #include "vorn/resource/mesh.hpp"
 
 #include <d3dx9.h>
@@ -16,10 +16,6 @@
 #include <iterator>
 #include <limits>
 #include <vector>
-
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 namespace Vorn {
 
@@ -86,30 +82,8 @@ inline void Touch(const void* memory) {
     __asm__ volatile("" : : "r"(byte));
 }
 
-namespace Four {
-#define VORN_LANES 4
-#include "vorn/resource/pose_lanes.inl"
-#undef VORN_LANES
-} // namespace Four
-
-#if defined(__x86_64__)
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("avx2")
-#endif
-namespace Eight {
-#define VORN_LANES 8
-#include "vorn/resource/pose_lanes.inl"
-#undef VORN_LANES
-} // namespace Eight
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
-#endif
+#define VORN_LANES_FILE "vorn/resource/pose_lanes.inl"
+#include "vorn/core/lanes.inl"
 
 void EvaluateMany(Mesh& mesh, bool restart) {
     for (Bone& bone : mesh.mBones)
@@ -130,7 +104,7 @@ void UpdateSkeleton(float dt, Mesh& mesh) {
         mesh.mTime = 0.0f;
     if (mesh.mBones.size() > MostBones)
         return EvaluateMany(mesh, restart);
-#if defined(__x86_64__)
+#if VORN_HAS_EIGHT_LANES
     if (__builtin_cpu_supports("avx2"))
         return Eight::Evaluate(mesh, restart);
 #endif
