@@ -65,11 +65,10 @@ public:
 private:
     Cell cellOf(const Vector3& point) const {
         // Towards negative infinity, without a call.
-        const auto cell = [](float at) {
-            const int cut = static_cast<int>(at);
-            return cut - (static_cast<float>(cut) > at);
-        };
-        return {cell(point.x * mScaleX), cell(point.y * mScale), cell(point.z * mScale)};
+        const Float4 at = Float4{point.x, point.y, point.z} * Float4{mScaleX, mScale, mScale};
+        const Int4 cut = __builtin_convertvector(at, Int4);
+        const Int4 cell = cut + (__builtin_convertvector(cut, Float4) > at);
+        return {cell[0], cell[1], cell[2]};
     }
     std::size_t rowOf(int y, int z) const {
         return ((static_cast<unsigned int>(y) + static_cast<unsigned int>(z) * mStrideZ) &

@@ -22,15 +22,26 @@ constexpr LaneList MakeLaneList() {
 }
 constexpr LaneList ListOfLanes = MakeLaneList();
 
+/// The question in all lanes: what is written meanwhile might be the question itself, for all that
+/// the compiler knows.
+struct WideQuestion {
+    const Lanes x, y, z, reach, stretched, other, less;
+
+    explicit WideQuestion(const PairQuestion& q)
+        : x(Lanes{} + q.x), y(Lanes{} + q.y), z(Lanes{} + q.z), reach(Lanes{} + q.reach),
+          stretched(Lanes{} + q.stretched), other(Lanes{} + q.other), less(Lanes{} + q.less) {}
+};
+
 /// A bit for each of the lanes from the place on that may be met. The larger of two is taken for
 /// the one that is asked, and so stretched.
-inline unsigned int Meets(const PairQuestion& q, const BodyLanes& bodies, std::size_t place) {
-    const BodyLanes::Block& block = bodies.Blocks()[place / BodyLanes::Lanes];
+inline unsigned int Meets(const WideQuestion& q, const BodyLanes::Block* blocks,
+                          std::size_t place) {
+    const BodyLanes::Block& block = blocks[place / BodyLanes::Lanes];
     const std::size_t lane = place % BodyLanes::Lanes;
     const Lanes dx = LanesAt(block.x + lane) - q.x, dy = LanesAt(block.y + lane) - q.y,
                 dz = LanesAt(block.z + lane) - q.z;
-    const Lanes own = Lanes{} + q.reach, its = LanesAt(block.reach + lane);
-    const Lanes smaller = its < own ? its : own;
+    const Lanes its = LanesAt(block.reach + lane);
+    const Lanes smaller = its < q.reach ? its : q.reach;
     const Lanes sum = q.stretched + q.other * its - q.less * smaller;
     // Two without an end make a NaN of the sum, and meet.
     return ~Bits(dx * dx + dy * dy + dz * dz > sum * sum) & AllLanes;
@@ -46,15 +57,17 @@ inline int* Write(unsigned int bits, std::size_t place, int* out) {
 
 int* Ask(const PairQuestion& question, const BodyLanes& bodies, std::span<const PlaceRange> ranges,
          int* out) {
+    const WideQuestion wide(question);
+    const BodyLanes::Block* const blocks = bodies.Blocks();
     for (const PlaceRange& range : ranges) {
         std::size_t at = range.begin / VORN_LANES * VORN_LANES;
         unsigned int asked = AllLanes << (range.begin - at);
         for (; at + VORN_LANES < range.end; at += VORN_LANES) {
-            out = Write(Meets(question, bodies, at) & asked, at, out);
+            out = Write(Meets(wide, blocks, at) & asked, at, out);
             asked = AllLanes;
         }
         asked &= AllLanes >> (at + VORN_LANES - range.end);
-        out = Write(Meets(question, bodies, at) & asked, at, out);
+        out = Write(Meets(wide, blocks, at) & asked, at, out);
     }
     return out;
 }
