@@ -63,8 +63,8 @@ void Game::drawSonar() {
     if (dive.waveTime <= 0.0f || !mSeabed.GetMesh())
         return;
     const float age = 1.0f - dive.waveTime / Dive::WaveTime;
-    const float wide = 1.0f + 5.0f * age, deep = 0.5f - 3.0f * age * age;
-    const Matrix4 place(wide, 0, 0, dive.waveFrom.x, 0, 0.012f, 0, deep, 0, 0, 2.0f, 6.0f, 0, 0, 0,
+    const float wide = 1.6f + 8.0f * age, deep = 0.5f - 3.0f * age * age;
+    const Matrix4 place(wide, 0, 0, dive.waveFrom.x, 0, 0.012f, 0, deep, 0, 0, 3.2f, 6.0f, 0, 0, 0,
                         1);
     mGraphic.SetWorldTransform(place.Transposed());
     mGraphic.SetTexture(*TextureManager::Instance()->Get("sonar.png")->mTexture);

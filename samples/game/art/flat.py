@@ -305,4 +305,4 @@ def make(folder):
     Canvas(256, None, (0, 0, 0, 0)).all(lamplight).png(f"{folder}/light.png", True)
     Canvas(4, None, (0, 0, 0, 0)).all(sonar).png(f"{folder}/sonar.png")
     Canvas(32, None, (0, 0, 0, 0)).all(white).dds(f"{folder}/WhiteParticle.dds")
-    bmp(f"{folder}/seabed.bmp", 64, seabed)
+    bmp(f"{folder}/seabed.bmp", 40, seabed)
