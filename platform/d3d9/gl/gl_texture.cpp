@@ -135,6 +135,9 @@ bool GlTexture::Read(UINT level, const RECT& rect, void* pixels, UINT pitch) {
         packed.resize(rowBytes * Size(box.height));
         to = packed.data();
     }
+    // llvmpipe's own wait passes over what has been sent to its threads for a target that is no
+    // longer bound, and gives the pixels from before.
+    glFinish();
     glGetTextureSubImage(mName, static_cast<GLint>(level), box.x, box.y, 0, box.width, box.height,
                          1, mFormat.external, mFormat.type,
                          static_cast<GLsizei>(rowBytes * Size(box.height)), to);
