@@ -13,6 +13,11 @@ target_compile_options(vorn_options INTERFACE
   # Nobody replaces a function of the library from outside, so its own calls may be direct and inlined.
   -fno-semantic-interposition)
 
+# In a source made of several, unnamed namespaces meet.
+if(VORN_UNITY)
+  target_compile_options(vorn_options INTERFACE -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
+endif()
+
 # gcc 12 sees overlaps in std::string's own code: https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(vorn_options INTERFACE -Wno-restrict)
@@ -40,4 +45,10 @@ function(vorn_program name)
   if(VORN_SANITIZE MATCHES address)
     target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/leaks.cpp)
   endif()
+endfunction()
+
+# vorn_apart(sources...): with VORN_UNITY each compiles alone, since other sources of its target have names of its unnamed
+# namespace too.
+function(vorn_apart)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
