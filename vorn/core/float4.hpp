@@ -16,6 +16,7 @@ namespace Vorn {
 using Float4 = float __attribute__((vector_size(16)));
 /// What a comparison of Float4 gives: all bits of a lane, or none.
 using Int4 = std::int32_t __attribute__((vector_size(16)));
+using UInt4 = std::uint32_t __attribute__((vector_size(16)));
 
 inline Float4 AllFour(float f) {
     return Float4{f, f, f, f};
@@ -37,6 +38,17 @@ inline Float4 RootOf(const Float4& f) {
 #else
     return Float4{std::sqrt(f[0]), std::sqrt(f[1]), std::sqrt(f[2]), std::sqrt(f[3])};
 #endif
+}
+
+/// The largest whole numbers that are not larger, where an int can hold them.
+inline Int4 FloorOf(const Float4& f) {
+    const Int4 cut = __builtin_convertvector(f, Int4);
+    return cut + (__builtin_convertvector(cut, Float4) > f);
+}
+
+/// Without the sign.
+inline Float4 SizeOf(const Float4& f) {
+    return __builtin_bit_cast(Float4, __builtin_bit_cast(Int4, f) & 0x7fffffff);
 }
 
 /// Of each lane, `a` where the mask is set and `b` where it is not.

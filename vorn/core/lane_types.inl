@@ -25,6 +25,12 @@ inline unsigned int Bits(const LaneInts& mask) {
 inline Lanes Root(const Lanes& f) {
     return __builtin_bit_cast(Lanes, _mm256_sqrt_ps(__builtin_bit_cast(__m256, f)));
 }
+inline Lanes All(float f) {
+    return __builtin_bit_cast(Lanes, _mm256_set1_ps(f));
+}
+inline LaneInts FromBytes(const std::uint8_t* bytes) {
+    return __builtin_bit_cast(LaneInts, _mm256_cvtepu8_epi32(_mm_loadu_si64(bytes)));
+}
 /// One lane of each four, in all of that four.
 template <int lane>
 inline Lanes Spread(const Lanes& f) {
@@ -47,6 +53,12 @@ inline unsigned int Bits(const LaneInts& mask) {
 }
 inline Lanes Root(const Lanes& f) {
     return RootOf(f);
+}
+inline Lanes All(float f) {
+    return AllFour(f);
+}
+inline LaneInts FromBytes(const std::uint8_t* bytes) {
+    return LaneInts{bytes[0], bytes[1], bytes[2], bytes[3]};
 }
 inline const Float4& Twice(const Float4& f) {
     return f;

@@ -33,7 +33,7 @@ bool IsFinite(const Bounds& b) {
 // Those more than twice as large as three quarters of all are not common: the others would crowd in
 // cells of their size.
 bool BodyGrid::ChooseCells(const BodyLanes& all) {
-    constexpr std::size_t SampleSize = 256;
+    constexpr std::size_t SampleSize = 128;
     const std::size_t step = std::max<std::size_t>(1, all.Size() / SampleSize);
     mSample.clear();
     Vector3 low, high;
@@ -54,10 +54,12 @@ bool BodyGrid::ChooseCells(const BodyLanes& all) {
     std::nth_element(mSample.begin(), large, mSample.end());
     const float limit = 2.0f * *large;
 
-    mCommonReach = 0.0f;
-    for (std::size_t i = 0; i < all.Size(); ++i)
-        if (const float reach = all.At(i).reach; reach <= limit)
-            mCommonReach = std::max(mCommonReach, reach);
+    Float4 common{};
+    for (std::size_t four = 0; 4 * four < all.Size(); ++four) {
+        const Float4 reach = all.FourAt(four).reach;
+        common = Pick((reach <= limit) & (reach > common), reach, common);
+    }
+    mCommonReach = std::max({common[0], common[1], common[2], common[3]});
     mCell = cellFor(all.Size(), high - low);
     mScale = 1.0f / mCell;
     if (!std::isnormal(mCell) || !std::isnormal(mScale))
@@ -102,24 +104,32 @@ void BodyGrid::chooseRows(std::size_t count, const Vector3& extent) {
     mStrideZ = static_cast<unsigned int>(y | 1);
 }
 
-bool BodyGrid::Holds(const Bounds& b) const {
+// Of four bodies, and -1 of those that the grid does not hold.
+Int4 BodyGrid::bucketsOf(const BodyLanes::Four& four) const {
     const float edge = MaxCells * mCell;
-    return b.reach <= mCommonReach && std::abs(b.center.x) < edge && std::abs(b.center.y) < edge &&
-           std::abs(b.center.z) < edge;
+    const Int4 held = (four.reach <= mCommonReach) & (SizeOf(four.x) < edge) &
+                      (SizeOf(four.y) < edge) & (SizeOf(four.z) < edge);
+    const auto cell = [&](const Float4& at, float scale) {
+        return __builtin_bit_cast(UInt4, FloorOf(Pick(held, at, Float4{}) * scale));
+    };
+    const UInt4 column = cell(four.x, mScaleX) & static_cast<unsigned int>(mRowLength - 1);
+    const UInt4 bucket = rowOf(cell(four.y, mScale), cell(four.z, mScale)) + column;
+    return __builtin_bit_cast(Int4, bucket) | ~held;
 }
 
 void BodyGrid::Sort(const BodyLanes& all, std::size_t first, std::vector<int>& places) {
     const std::size_t count = all.Size();
     mStart.assign((mRowMask + 1) * mRowLength + 1, 0);
-    places.assign(count, -1);
-    for (std::size_t i = first; i < count; ++i) {
-        const Bounds bounds = all.At(i);
-        if (!Holds(bounds))
-            continue;
-        const std::size_t bucket = bucketOf(bounds.center);
-        places[i] = static_cast<int>(bucket);
-        ++mStart[bucket];
+    places.resize((count + 3) / 4 * 4);
+    for (std::size_t i = first / 4 * 4; i < count; i += 4) {
+        const Int4 buckets = bucketsOf(all.FourAt(i / 4));
+        std::memcpy(&places[i], &buckets, sizeof buckets);
     }
+    places.resize(count);
+    std::fill_n(places.begin(), first, -1);
+    for (std::size_t i = first; i < count; ++i)
+        if (places[i] >= 0)
+            ++mStart[static_cast<std::size_t>(places[i])];
     int end = 0;
     for (int& start : mStart)
         start = end += start;
@@ -132,14 +142,19 @@ void BodyGrid::Sort(const BodyLanes& all, std::size_t first, std::vector<int>& p
         }
 }
 
-std::size_t BodyGrid::AskInFront(std::size_t place, const Stretch& stretch,
+BodyGrid::Windows BodyGrid::WindowsOf(std::size_t four, const Stretch& stretch) const {
+    const BodyLanes::Four ask = mSorted.FourAt(four);
+    const Float4 half = HalfWindows(ask, stretch, mCommonReach);
+    return {FloorOf(ask.x * mScaleX),         FloorOf(ask.y * mScale),
+            FloorOf(ask.z * mScale),          FloorOf((ask.x - half) * mScaleX),
+            FloorOf((ask.y - half) * mScale), FloorOf((ask.x + half) * mScaleX),
+            FloorOf((ask.y + half) * mScale), FloorOf((ask.z + half) * mScale)};
+}
+
+std::size_t BodyGrid::AskInFront(std::size_t place, const Windows& windows, const Stretch& stretch,
                                  std::vector<int>& out) const {
-    const Bounds bounds = mSorted.At(place);
-    const Cell cell = cellOf(bounds.center);
-    const float half = HalfWindow(bounds, stretch, mCommonReach);
-    const Vector3 corner(half, half, half);
-    const Window window{cellOf(bounds.center - corner), cellOf(bounds.center + corner)};
-    const PairQuestion question(bounds, stretch);
+    const std::size_t lane = place % 4;
+    const PairQuestion question(mSorted.At(place), stretch);
     std::size_t count = 0;
     std::array<PlaceRange, 32> ranges; // more than there can be, as cells are chosen
     std::size_t used = 0, places = 0;
@@ -151,28 +166,31 @@ std::size_t BodyGrid::AskInFront(std::size_t place, const Stretch& stretch,
         count = static_cast<std::size_t>(end - out.data());
         used = places = 0;
     };
-    const auto visit = [&](std::size_t begin, std::size_t end) {
-        // Rows that share a place in the hash are visited more than once.
+    // Rows that share a place in the hash are visited more than once.
+    const auto visit = [&](int begin, int end) {
         if (begin >= end)
             return;
         if (used == ranges.size())
             ask();
         ranges[used++] = {begin, end};
-        places += end - begin;
+        places += static_cast<std::size_t>(end - begin);
     };
 
     // The rest of its own row, where only the first stretch begins at the body's own cell; then the
     // rows behind.
-    std::size_t from = place + 1;
-    ForRow(cell.y, cell.z, cell.x, window.high.x, [&](std::size_t begin, std::size_t end) {
+    int from = static_cast<int>(place) + 1;
+    const int y = windows.y[lane], z = windows.z[lane];
+    const int lowX = windows.lowX[lane], highX = windows.highX[lane];
+    const int lowY = windows.lowY[lane], highY = windows.highY[lane], highZ = windows.highZ[lane];
+    ForRow(y, z, windows.x[lane], highX, [&](int begin, int end) {
         visit(std::max(begin, from), end);
         from = 0;
     });
-    for (int y = cell.y + 1; y <= window.high.y; ++y)
-        ForRow(y, cell.z, window.low.x, window.high.x, visit);
-    for (int z = cell.z + 1; z <= window.high.z; ++z)
-        for (int y = window.low.y; y <= window.high.y; ++y)
-            ForRow(y, z, window.low.x, window.high.x, visit);
+    for (int behind = y + 1; behind <= highY; ++behind)
+        ForRow(behind, z, lowX, highX, visit);
+    for (int far = z + 1; far <= highZ; ++far)
+        for (int at = lowY; at <= highY; ++at)
+            ForRow(at, far, lowX, highX, visit);
     ask();
     return count;
 }
@@ -187,11 +205,6 @@ bool BodyGrid::WindowOf(const Vector3& center, float half, Window& window) const
         return false;
     window = {cellOf(low), cellOf(high)};
     return static_cast<std::size_t>(window.Run()) <= mRowLength;
-}
-
-std::size_t BodyGrid::bucketOf(const Vector3& point) const {
-    const Cell cell = cellOf(point);
-    return rowOf(cell.y, cell.z) + (static_cast<std::size_t>(cell.x) & (mRowLength - 1));
 }
 
 } // namespace Vorn

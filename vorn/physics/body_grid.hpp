@@ -19,8 +19,6 @@ public:
     /// Sets sizes by what most bodies need. False where no grid serves them.
     bool ChooseCells(const BodyLanes& all);
 
-    /// Whether a body of this size and place may be sorted in.
-    bool Holds(const Bounds& bounds) const;
     /// No body in the grid reaches further.
     float CommonReach() const { return mCommonReach; }
 
@@ -47,36 +45,42 @@ public:
     /// Calls `visit(begin, end)` for the sorted bodies of each stretch of a row.
     template <typename Visit>
     void ForRow(int y, int z, int lowX, int highX, Visit&& visit) const {
-        const std::size_t row = rowOf(y, z);
+        const std::size_t row = rowOf(static_cast<unsigned int>(y), static_cast<unsigned int>(z));
         const auto first = static_cast<std::size_t>(lowX) & (mRowLength - 1);
         const auto last = first + static_cast<std::size_t>(highX - lowX) + 1;
-        visit(start(row + first), start(row + std::min(last, mRowLength)));
+        visit(mStart[row + first], mStart[row + std::min(last, mRowLength)]);
         if (last > mRowLength)
-            visit(start(row), start(row + last - mRowLength));
+            visit(mStart[row], mStart[row + last - mRowLength]);
     }
+
+    /// Where four bodies stand, and which cells the windows of their questions reach into.
+    struct Windows {
+        Int4 x, y, z;
+        Int4 lowX, lowY, highX, highY, highZ;
+    };
+    /// Of the sorted bodies from place 4 * four on.
+    Windows WindowsOf(std::size_t four, const Stretch& stretch) const;
 
     /// Asks for those in the half of the neighbourhood of a sorted body that lies in front of it,
     /// so that a pair comes up once, wherever its two stand, or perhaps twice. The window of either
     /// holds the other: a body that is asked is stretched more than one that asks, and none is
-    /// larger than the common reach. Writes places in Sorted() to the front of `out`, and returns
-    /// how many.
-    std::size_t AskInFront(std::size_t place, const Stretch& stretch, std::vector<int>& out) const;
+    /// larger than the common reach. `windows` are those of the body and its neighbours. Writes
+    /// places in Sorted() to the front of `out`, and returns how many.
+    std::size_t AskInFront(std::size_t place, const Windows& windows, const Stretch& stretch,
+                           std::vector<int>& out) const;
 
 private:
     Cell cellOf(const Vector3& point) const {
-        // Towards negative infinity, without a call.
-        const Float4 at = Float4{point.x, point.y, point.z} * Float4{mScaleX, mScale, mScale};
-        const Int4 cut = __builtin_convertvector(at, Int4);
-        const Int4 cell = cut + (__builtin_convertvector(cut, Float4) > at);
+        const Int4 cell =
+            FloorOf(Float4{point.x, point.y, point.z} * Float4{mScaleX, mScale, mScale});
         return {cell[0], cell[1], cell[2]};
     }
-    std::size_t rowOf(int y, int z) const {
-        return ((static_cast<unsigned int>(y) + static_cast<unsigned int>(z) * mStrideZ) &
-                mRowMask) *
-               mRowLength;
+    /// Of one row, or of four.
+    template <typename Unsigned>
+    Unsigned rowOf(const Unsigned& y, const Unsigned& z) const {
+        return ((y + z * mStrideZ) & mRowMask) * static_cast<unsigned int>(mRowLength);
     }
-    std::size_t bucketOf(const Vector3& point) const;
-    std::size_t start(std::size_t bucket) const { return static_cast<std::size_t>(mStart[bucket]); }
+    Int4 bucketsOf(const BodyLanes::Four& four) const;
     float cellFor(std::size_t count, const Vector3& extent) const;
     void chooseRows(std::size_t count, const Vector3& extent);
 

@@ -19,11 +19,7 @@ constexpr std::size_t RowCost = 16;
 void BodyGroup::Clear() {
     mAll.Resize(0);
     mIds.clear();
-}
-
-void BodyGroup::Add(Id id, const Bounds& bounds) {
-    mAll.Push(id, bounds);
-    mIds.push_back(id);
+    mUsesGrid = false;
 }
 
 void BodyGroup::Build() {
@@ -132,13 +128,14 @@ bool BodyGroup::meetInGrid(Question& question, std::size_t scanCost, std::vector
     const std::size_t before = out.size();
     for (int z = window.low.z; z <= window.high.z; ++z) {
         for (int y = window.low.y; y <= window.high.y; ++y)
-            mGrid.ForRow(y, z, window.low.x, window.high.x,
-                         [&](std::size_t begin, std::size_t end) {
-                             mVisited += end - begin;
-                             cost += end - begin;
-                             if (cost < scanCost)
-                                 question.Ask(mGrid.Sorted(), begin, end, out);
-                         });
+            mGrid.ForRow(y, z, window.low.x, window.high.x, [&](int begin, int end) {
+                const auto passed = static_cast<std::size_t>(end - begin);
+                mVisited += passed;
+                cost += passed;
+                if (cost < scanCost)
+                    question.Ask(mGrid.Sorted(), static_cast<std::size_t>(begin),
+                                 static_cast<std::size_t>(end), out);
+            });
         if (cost >= scanCost) {
             out.resize(before);
             return false;

@@ -26,7 +26,10 @@ public:
 
     void Clear();
     /// Ids ascend from call to call.
-    void Add(Id id, const Bounds& bounds);
+    void Add(Id id, const Bounds& bounds) {
+        mAll.Push(id, bounds);
+        mIds.push_back(id);
+    }
     /// Call after the last Add.
     void Build();
 
@@ -45,9 +48,11 @@ public:
     bool MayFindPairs() const { return mUsesGrid && mOutside.Size() < mAll.Size() / 8; }
     /// Whether that still holds, for all but those that have moved since.
     bool PairsKnown() const { return mPairsKnown; }
-    bool AnyMoved() const { return mOutside.Size() > mUnmoved; }
+    /// Whether it holds for all.
+    bool AllStand() const { return mPairsKnown && mOutside.Size() == mUnmoved; }
 
-    /// The bounds of a body that has moved. `index` counts the calls of Add.
+    /// The bounds of a body that has moved, or is not where Add has it. `index` counts the calls of
+    /// Add.
     void Move(int index, const Bounds& bounds);
 
     /// Appends the ids from `from` on of those later than `index` whose spheres meet the sphere,
@@ -66,9 +71,14 @@ private:
     template <typename Found>
     bool findInGrid(const Stretch& stretch, Found& found) {
         const BodyLanes& sorted = mGrid.Sorted();
-        for (std::size_t at = 0; at < sorted.Size() && found.GoesOn(); ++at) {
-            const std::size_t count = mGrid.AskInFront(at, stretch, mAnswer);
-            tell({sorted.Id(at), static_cast<int>(at)}, sorted, 0, count, found);
+        for (std::size_t first = 0; first < sorted.Size(); first += 4) {
+            const BodyGrid::Windows windows = mGrid.WindowsOf(first / 4, stretch);
+            for (std::size_t at = first; at < std::min(first + 4, sorted.Size()); ++at) {
+                if (!found.GoesOn())
+                    return false;
+                const std::size_t count = mGrid.AskInFront(at, windows, stretch, mAnswer);
+                tell({sorted.Id(at), static_cast<int>(at)}, sorted, 0, count, found);
+            }
         }
         return found.GoesOn();
     }
@@ -82,7 +92,8 @@ private:
             const auto ask = [&](const BodyLanes& lanes, std::size_t base, std::size_t begin) {
                 if (begin >= lanes.Size())
                     return;
-                const PlaceRange all[] = {{begin, lanes.Size()}};
+                const PlaceRange all[] = {
+                    {static_cast<int>(begin), static_cast<int>(lanes.Size())}};
                 const int* end = question.Ask(lanes, all, mAnswer.data());
                 tell(placed, lanes, base, static_cast<std::size_t>(end - mAnswer.data()), found);
             };

@@ -108,6 +108,12 @@ inline float HalfWindow(const Bounds& asks, const Stretch& stretch, float reach)
            0.000001f * (std::abs(c.x) + std::abs(c.y) + std::abs(c.z));
 }
 
+/// The same of four bodies.
+inline Float4 HalfWindows(const BodyLanes::Four& ask, const Stretch& stretch, float reach) {
+    return (stretch.own * ask.reach + stretch.other * reach) * 1.00001f +
+           0.000001f * (SizeOf(ask.x) + SizeOf(ask.y) + SizeOf(ask.z));
+}
+
 /// Lets everybody pass.
 struct NoFilter {
     Int4 operator()(const BodyLanes::Four&) const { return Int4{-1, -1, -1, -1}; }

@@ -4,6 +4,7 @@
 // and the pair walk are both made of these functions.
 #pragma once
 
+#include "vorn/core/float4.hpp"
 #include "vorn/math/matrix4.hpp"
 #include "vorn/math/vector3.hpp"
 #include "vorn/math/volumes.hpp"
@@ -19,30 +20,32 @@ inline Sphere BodySphere(const Vector3& position, const Vector3& size) {
     return {position, (size / 2).Length()};
 }
 
-/// The transpose of (the spin about the orientation times the turn of the orientation onto +Z), row
-/// by row.
+/// The transpose of (the spin about the orientation times the turn of the orientation onto +Z). Its
+/// columns are the box's axes; lane i of a row belongs to axis i, in the order of BoxAxes, and lane
+/// 3 is 0.
 struct BodyTurn {
-    float m[9];
+    Float4 x, y, z;
 };
 
 inline BodyTurn TurnOf(const Vector3& orientation, float angle) {
     const Matrix4 spin = Matrix4::RotationAxisAngle(orientation, angle);
     const Matrix4 align = Matrix4::RotationAxisAlignZ(orientation);
-    BodyTurn turn;
-    for (int row = 0; row < 3; ++row)
-        for (int column = 0; column < 3; ++column)
-            turn.m[3 * column + row] = spin.m[4 * row] * align.m[column] +
-                                       spin.m[4 * row + 1] * align.m[4 + column] +
-                                       spin.m[4 * row + 2] * align.m[8 + column];
-    return turn;
+    const auto row = [&](int column) {
+        const auto element = [&](int i) {
+            return spin.m[4 * i] * align.m[column] + spin.m[4 * i + 1] * align.m[4 + column] +
+                   spin.m[4 * i + 2] * align.m[8 + column];
+        };
+        return Float4{element(0), element(2), element(1), 0.0f};
+    };
+    return {row(0), row(1), row(2)};
 }
 
 /// The translation times the turn.
 inline Matrix4 BodyTransform(const Vector3& position, const BodyTurn& turn) {
-    const float* t = turn.m;
-    return {t[0], t[1], t[2], position.x, //
-            t[3], t[4], t[5], position.y, //
-            t[6], t[7], t[8], position.z, //
+    const auto& [x, y, z] = turn;
+    return {x[0], x[2], x[1], position.x, //
+            y[0], y[2], y[1], position.y, //
+            z[0], z[2], z[1], position.z, //
             0,    0,    0,    1};
 }
 

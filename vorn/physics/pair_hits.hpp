@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <numeric>
 #include <span>
 #include <utility>
@@ -48,7 +49,7 @@ public:
 
 private:
     std::vector<std::pair<Id, Id>> mFound;
-    std::vector<std::size_t> mStart; // of each body, in mSecond; one more behind the last
+    std::vector<std::uint32_t> mStart; // of each body, in mSecond; one more behind the last
     std::vector<Id> mSecond;
 };
 

@@ -21,7 +21,7 @@ struct PlacedPair {
 
 /// Places that follow each other.
 struct PlaceRange {
-    std::size_t begin, end;
+    int begin, end;
 };
 
 /// One body against others, whichever of the two comes first in the list and so asks.

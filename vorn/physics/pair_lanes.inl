@@ -10,14 +10,14 @@ constexpr unsigned int AllLanes = (1u << VORN_LANES) - 1;
 
 /// For each set of lanes those that are in it, one after the other.
 struct LaneList {
-    alignas(4 * VORN_LANES) std::int32_t lanes[AllLanes + 1][VORN_LANES];
+    alignas(VORN_LANES) std::uint8_t lanes[AllLanes + 1][VORN_LANES];
 };
 constexpr LaneList MakeLaneList() {
     LaneList list{};
     for (unsigned int bits = 0; bits <= AllLanes; ++bits)
         for (int lane = 0, at = 0; lane < VORN_LANES; ++lane)
             if (bits >> lane & 1)
-                list.lanes[bits][at++] = lane;
+                list.lanes[bits][at++] = static_cast<std::uint8_t>(lane);
     return list;
 }
 constexpr LaneList ListOfLanes = MakeLaneList();
@@ -28,8 +28,8 @@ struct WideQuestion {
     const Lanes x, y, z, reach, stretched, other, less;
 
     explicit WideQuestion(const PairQuestion& q)
-        : x(Lanes{} + q.x), y(Lanes{} + q.y), z(Lanes{} + q.z), reach(Lanes{} + q.reach),
-          stretched(Lanes{} + q.stretched), other(Lanes{} + q.other), less(Lanes{} + q.less) {}
+        : x(All(q.x)), y(All(q.y)), z(All(q.z)), reach(All(q.reach)), stretched(All(q.stretched)),
+          other(All(q.other)), less(All(q.less)) {}
 };
 
 /// A bit for each of the lanes from the place on that may be met. The larger of two is taken for
@@ -49,8 +49,7 @@ inline unsigned int Meets(const WideQuestion& q, const BodyLanes::Block* blocks,
 
 /// Without a branch: who meets whom cannot be predicted.
 inline int* Write(unsigned int bits, std::size_t place, int* out) {
-    const LaneInts lanes = *reinterpret_cast<const LaneInts*>(ListOfLanes.lanes[bits]);
-    const LaneInts places = lanes + static_cast<std::int32_t>(place);
+    const LaneInts places = FromBytes(ListOfLanes.lanes[bits]) + static_cast<std::int32_t>(place);
     std::memcpy(out, &places, sizeof places);
     return out + std::popcount(bits);
 }
@@ -60,13 +59,15 @@ int* Ask(const PairQuestion& question, const BodyLanes& bodies, std::span<const 
     const WideQuestion wide(question);
     const BodyLanes::Block* const blocks = bodies.Blocks();
     for (const PlaceRange& range : ranges) {
-        std::size_t at = range.begin / VORN_LANES * VORN_LANES;
-        unsigned int asked = AllLanes << (range.begin - at);
-        for (; at + VORN_LANES < range.end; at += VORN_LANES) {
+        const auto begin = static_cast<std::size_t>(range.begin);
+        const auto end = static_cast<std::size_t>(range.end);
+        std::size_t at = begin / VORN_LANES * VORN_LANES;
+        unsigned int asked = AllLanes << (begin - at);
+        for (; at + VORN_LANES < end; at += VORN_LANES) {
             out = Write(Meets(wide, blocks, at) & asked, at, out);
             asked = AllLanes;
         }
-        asked &= AllLanes >> (at + VORN_LANES - range.end);
+        asked &= AllLanes >> (at + VORN_LANES - end);
         out = Write(Meets(wide, blocks, at) & asked, at, out);
     }
     return out;

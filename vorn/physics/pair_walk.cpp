@@ -31,18 +31,22 @@ bool IsSame(const T& a, const T& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-// Whether rounding, or a rule for axes that are short or lie along Y, leaves the box three good
-// axes. It may be wrong where it says no.
-bool IsUpright(const Vector3& p, const Vector3& o, const Vector3& size) {
+// Whether rounding, or a rule for axes that are short or lie along Y, leaves a box three good axes.
+// It may be wrong where it says no.
+bool IsStraight(const Vector3& o) {
     const float length = o.SquareLength();
     // As Matrix4::RotationAxisAlignZ decides which axis the box's side is taken from.
     const bool alongY = std::abs(1 - o.y) < 0.00001f;
     const float aside = alongY ? o.y * o.y + o.z * o.z : o.x * o.x + o.z * o.z;
-    const float least = std::min({std::abs(size.x), std::abs(size.y), std::abs(size.z)});
-    const float farthest = std::abs(p.x) + std::abs(p.y) + std::abs(p.z) + std::abs(size.x) +
-                           std::abs(size.y) + std::abs(size.z);
-    return length > 1e-6f && length < 1e12f && aside > 1e-3f * length && least > 0.01f &&
-           least > 1e-4f * farthest && farthest < 1e12f;
+    return length > 1e-6f && length < 1e12f && aside > 1e-3f * length;
+}
+
+// The same of its place and size.
+bool IsUpright(const Vector3& p, const Vector3& size) {
+    const float x = std::abs(size.x), y = std::abs(size.y), z = std::abs(size.z);
+    const float least = std::min({x, y, z});
+    const float farthest = std::abs(p.x) + std::abs(p.y) + std::abs(p.z) + x + y + z;
+    return (least > 0.01f) & (least > 1e-4f * farthest) & (farthest < 1e12f);
 }
 
 } // namespace
@@ -64,7 +68,8 @@ void PairWalk::Run(const std::list<PhysicsCmpt*>& cmpts) {
     gather(cmpts);
     findHits();
     for (Id i = 0; i < count(); ++i)
-        walkRow(i);
+        if (!isSettled(body(i)) || !mHits.Of(i).empty())
+            walkRow(i);
 }
 
 void PairWalk::Forget(const PhysicsCmpt* cmpt) {
@@ -90,8 +95,10 @@ void PairWalk::Append(const PhysicsSystem* system, PhysicsCmpt* cmpt) {
     for (PairWalk* walk = sRunning; walk; walk = walk->mOuter) {
         if (walk->mSystem != system)
             continue;
-        const Id id = walk->add(cmpt);
-        walk->body(id).stray = true;
+        const Id id = walk->count();
+        walk->mBodies.emplace_back(cmpt, cmpt->Parent()).stray = true;
+        if (walk->mTurns.size() < walk->mBodies.size())
+            walk->mTurns.emplace_back();
         walk->mStrays.push_back(id);
         // An outer walk links all of its bodies anew when the inner one has ended.
         if (walk == sRunning)
@@ -110,39 +117,50 @@ void PairWalk::gather(const std::list<PhysicsCmpt*>& cmpts) {
     for (std::vector<Id>* ids : {&mDynamicBoxes, &mDynamicSpheres, &mStrays, &mTouched})
         ids->clear();
 
-    for (PhysicsCmpt* cmpt : cmpts) {
-        const Id id = add(cmpt);
-        Body& added = body(id);
-        link(id);
-        read(id);
-        if (added.dynamic && added.kind != Kind::None)
-            (added.kind == Kind::Box ? mDynamicBoxes : mDynamicSpheres).push_back(id);
-    }
-    int boxes = 0, spheres = 0;
     mAnyMask = false;
-    for (Id id = 0; id < count(); ++id) {
-        Body& added = body(id);
-        if (added.kind == Kind::None)
-            continue;
-        added.index = added.kind == Kind::Box ? boxes++ : spheres++;
-        mAnyMask = mAnyMask || (added.kind == Kind::Box && added.mask.any());
-        groupOf(added).Add(id, boundsOf(added));
-    }
+    mBodies.reserve(cmpts.size());
+    VisitFetching(
+        cmpts,
+        [](const PhysicsCmpt* cmpt) {
+            Fetch(&cmpt->mMask);
+            Fetch(&cmpt->mLinearVelocity);
+        },
+        [](const PhysicsCmpt* cmpt) {
+            if (const Entity* entity = cmpt->Parent()) {
+                Fetch(&entity->Position());
+                Fetch(&entity->Scale());
+                Fetch(&entity->mBody);
+            }
+        },
+        [this](PhysicsCmpt* cmpt) {
+            const Id id = count();
+            Body& added = mBodies.emplace_back(cmpt, cmpt->Parent());
+            link(id);
+            read(added, turn(id));
+            group(id);
+        });
+    // Only now is it known that each of them may be swept.
+    if (!mDynamicSpheres.empty())
+        for (const Id id : mSpheres.Ids())
+            mSpheres.Move(body(id).index, boundsOf(body(id)));
     mBoxes.Build();
     mSpheres.Build();
-    for (Id id : mBoxes.Ids())
-        body(id).place = mBoxes.PlaceOf(body(id).index);
+    placeBoxes();
     mShapes.resize(mBoxes.Ids().size());
     mShapesKnown.assign(mShapes.size(), false);
 }
 
-PairWalk::Id PairWalk::add(PhysicsCmpt* cmpt) {
-    Body& added = mBodies.emplace_back();
-    added.cmpt = cmpt;
-    added.entity = cmpt->Parent();
-    if (mTurns.size() < mBodies.size())
-        mTurns.emplace_back();
-    return count() - 1;
+void PairWalk::group(Id id) {
+    Body& added = body(id);
+    if (added.kind == Kind::None)
+        return;
+    const bool box = added.kind == Kind::Box;
+    BodyGroup& group = groupOf(added);
+    added.index = static_cast<int>(group.Ids().size());
+    group.Add(id, boundsOf(added));
+    mAnyMask = mAnyMask || (box && added.mask.any());
+    if (added.dynamic)
+        (box ? mDynamicBoxes : mDynamicSpheres).push_back(id);
 }
 
 // Each entity knows one of its bodies, and that one the others: a component may be registered
@@ -159,33 +177,36 @@ void PairWalk::link(Id id) {
         linked.entity->mBody = static_cast<unsigned int>(id);
 }
 
-void PairWalk::read(Id id) {
-    Body& read = body(id);
-    read.touched = false;
-    read.kind = Kind::None;
-    if (!read.cmpt || !read.entity)
+void PairWalk::read(Body& body, Turn& turn) {
+    body.touched = false;
+    body.kind = Kind::None;
+    if (!body.cmpt || !body.entity)
         return;
-    const PhysicsCmpt& cmpt = *read.cmpt;
+    const PhysicsCmpt& cmpt = *body.cmpt;
     if (cmpt.mVolumeType == BoxVolume)
-        read.kind = Kind::Box;
+        body.kind = Kind::Box;
     else if (cmpt.mVolumeType == SphereVolume)
-        read.kind = Kind::Sphere;
-    read.dynamic = cmpt.mDynamicCheck;
-    read.mask = cmpt.mMask;
-    read.category = cmpt.mCategory;
-    if (mCategories.size() < MostCategories &&
-        std::find(mCategories.begin(), mCategories.end(), read.category) == mCategories.end())
-        mCategories.push_back(read.category);
-    read.velocity = cmpt.mLinearVelocity;
-    const Entity& entity = *read.entity;
-    read.size = BodySize(entity.Scale(), cmpt.mScaleFactor);
-    read.sphere = BodySphere(entity.Position(), read.size);
-    if (read.kind != Kind::Box)
+        body.kind = Kind::Sphere;
+    body.dynamic = cmpt.mDynamicCheck;
+    body.mask = cmpt.mMask;
+    body.category = cmpt.mCategory;
+    if (mCategories.empty() || mCategories.back() != body.category)
+        keepCategory(body.category);
+    body.velocity = cmpt.mLinearVelocity;
+    const Entity& entity = *body.entity;
+    body.size = BodySize(entity.Scale(), cmpt.mScaleFactor);
+    body.sphere = BodySphere(entity.Position(), body.size);
+    if (body.kind != Kind::Box)
         return;
-    Turn& turn = mTurns[static_cast<std::size_t>(id)];
     if (!IsSame(turn.orientation, entity.Orientation()) || !IsSame(turn.angle, entity.Angle()))
-        turn = {entity.Orientation(), entity.Angle(), false, {}};
-    read.upright = IsUpright(entity.Position(), turn.orientation, read.size);
+        turn = Turn(entity.Orientation(), entity.Angle(), IsStraight(entity.Orientation()));
+    body.upright = turn.straight && IsUpright(entity.Position(), body.size);
+}
+
+void PairWalk::keepCategory(const std::bitset<64>& category) {
+    if (mCategories.size() < MostCategories &&
+        std::find(mCategories.begin(), mCategories.end(), category) == mCategories.end())
+        mCategories.push_back(category);
 }
 
 // Wide enough for all that rounding does to corners and distances. A sphere that may be swept
@@ -215,14 +236,10 @@ const PairWalk::Shape& PairWalk::shapeOf(Id id) {
 }
 
 const BodyTurn& PairWalk::turnOf(Id id) {
-    Turn& turn = mTurns[static_cast<std::size_t>(id)];
-    if (!std::exchange(turn.known, true))
-        turn.turn = TurnOf(turn.orientation, turn.angle);
-    return turn.turn;
-}
-
-BodyGroup& PairWalk::groupOf(const Body& body) {
-    return body.kind == Kind::Box ? mBoxes : mSpheres;
+    Turn& found = turn(id);
+    if (!std::exchange(found.known, true))
+        found.turn = TurnOf(found.orientation, found.angle);
+    return found.turn;
 }
 
 // Whether its mask leaves nobody. Bodies are of a few categories, as a rule; where they are of
@@ -275,11 +292,7 @@ void PairWalk::fetchAhead(std::size_t hit) const {
 
 // False where the row has to go on at `from` in the other way.
 bool PairWalk::walkHits(Id i, Id& from, bool& knownAlive) {
-    const Body& a = body(i);
-    const BodyGroup& group = groupOf(a);
-    const auto& swept = a.kind == Kind::Sphere ? mDynamicBoxes : mDynamicSpheres;
-    if (!a.known || a.dynamic || !group.PairsKnown() || group.AnyMoved() || !mStrays.empty() ||
-        !swept.empty())
+    if (!isSettled(body(i)))
         return false;
     for (std::size_t at = mHits.Start(i); at < mHits.Start(i + 1); ++at) {
         const Id j = mHits[at];
@@ -428,8 +441,9 @@ void PairWalk::settleAll() {
 bool PairWalk::refresh(Id id) {
     Body& changed = body(id);
     const Body before = changed;
-    const Turn turned = mTurns[static_cast<std::size_t>(id)];
-    read(id);
+    Turn& turned = turn(id);
+    const Turn turnBefore = turned;
+    read(changed, turned);
     if (changed.stray)
         return true;
     if (changed.kind != before.kind || changed.dynamic != before.dynamic) {
@@ -439,11 +453,11 @@ bool PairWalk::refresh(Id id) {
     }
     if (changed.kind == Kind::None)
         return false;
-    const Turn& turn = mTurns[static_cast<std::size_t>(id)];
     const bool swept = !mDynamicBoxes.empty() || !mDynamicSpheres.empty();
     if (IsSame(before.sphere.center, changed.sphere.center) && IsSame(before.size, changed.size) &&
-        IsSame(turned.orientation, turn.orientation) && IsSame(turned.angle, turn.angle) &&
-        before.mask == changed.mask && before.category == changed.category &&
+        IsSame(turnBefore.orientation, turned.orientation) &&
+        IsSame(turnBefore.angle, turned.angle) && before.mask == changed.mask &&
+        before.category == changed.category &&
         (!swept || IsSame(before.velocity, changed.velocity)))
         return false;
     if (changed.kind == Kind::Box)

@@ -56,14 +56,15 @@ private:
     enum class Kind : unsigned char { None, Box, Sphere };
 
     struct Body {
-        PhysicsCmpt* cmpt = nullptr; // null once it is gone
-        Entity* entity = nullptr;
+        PhysicsCmpt* cmpt; // null once it is gone
+        Entity* entity;
         Kind kind = Kind::None;
         bool dynamic = false;
         bool touched = false; // to be read anew
         bool stray = false;   // in no group, or in one that it no longer belongs to: may meet all
         bool upright = false; // a box whose three axes are sure to be of length 1, at right angles
         bool known = false;   // its hits with later bodies are, but for those that have moved
+        bool settled = false; // and it meets nobody else, as long as nobody moves
         std::bitset<64> mask;
         std::bitset<64> category;
         Sphere sphere;
@@ -72,14 +73,20 @@ private:
         int index = -1; // in its group
         int place = 0;  // in its group's order of space
         Id next = -1;   // the next body of the same entity
+
+        Body(PhysicsCmpt* c, Entity* e) : cmpt(c), entity(e) {}
     };
 
     /// Kept from step to step: turning costs more than all else that is read of a body.
     struct Turn {
         Vector3 orientation;
         float angle = 0.0f;
+        bool straight = false; // see IsStraight
         bool known = false;
-        BodyTurn turn;
+        BodyTurn turn{};
+
+        Turn() = default;
+        Turn(const Vector3& o, float a, bool s) : orientation(o), angle(a), straight(s) {}
     };
 
     /// A box as it is asked by those before it, and as it asks those after it.
@@ -94,22 +101,25 @@ private:
 
     void forget(const PhysicsCmpt* cmpt);
     void gather(const std::list<PhysicsCmpt*>& cmpts);
-    Id add(PhysicsCmpt* cmpt);
     void link(Id id);
-    void read(Id id);
+    void read(Body& body, Turn& turn);
+    void keepCategory(const std::bitset<64>& category);
+    void group(Id id);
     Bounds boundsOf(const Body& body) const;
     const Shape& shapeOf(Id id);
+    Turn& turn(Id id) { return mTurns[static_cast<std::size_t>(id)]; }
     const BodyTurn& turnOf(Id id);
-    BodyGroup& groupOf(const Body& body);
+    BodyGroup& groupOf(const Body& body) { return body.kind == Kind::Box ? mBoxes : mSpheres; }
 
     void findHits();
-    void fetchBoxes();
+    void placeBoxes();
     template <typename Test>
     bool findHits(BodyGroup& group, const Stretch& stretch, Test test);
     void testBoxes(std::span<PlacedPair> pairs);
     void testSpheres(std::span<PlacedPair> pairs);
 
     bool refusesAll(const Body& a) const;
+    bool isSettled(const Body& a) { return a.settled && mStrays.empty() && groupOf(a).AllStand(); }
     void walkRow(Id i);
     bool walkHits(Id i, Id& from, bool& knownAlive);
     void fetchAhead(std::size_t hit) const;
@@ -151,6 +161,7 @@ private:
     std::vector<PlacedPair> mPairs; // to be tested
     std::vector<PlacedPair> mUnsure;
     PairHits mHits;
+    bool mAnyMoved = false;      // since the hits were found; new bodies count as well
     std::vector<Id> mCandidates; // of the row, ascending
     std::vector<Id> mMerged;
 };

@@ -25,26 +25,33 @@ std::span<PlacedPair> Keep(std::span<PlacedPair> pairs, const Passes& passes) {
 
 void PairWalk::findHits() {
     mHits.Clear();
-    fetchBoxes();
     const bool boxes = findHits(mBoxes, BoxStretch, &PairWalk::testBoxes);
     const bool spheres = findHits(mSpheres, SphereStretch, &PairWalk::testSpheres);
     if (!boxes && !spheres)
         return;
     mHits.Sort(mBodies.size());
-    for (Body& row : mBodies)
-        row.known = row.kind == Kind::Box ? boxes && row.upright : spheres;
+    for (Body& row : mBodies) {
+        const bool box = row.kind == Kind::Box;
+        row.known = box ? boxes && row.upright : spheres;
+        row.settled =
+            row.known && !row.dynamic && (box ? mDynamicSpheres.empty() : mDynamicBoxes.empty());
+    }
 }
 
 // Bodies stand in the order of the list, and pairs come in that of space, so what the tests need of
 // a body is laid out anew.
-void PairWalk::fetchBoxes() {
-    const std::size_t boxes = mBoxes.MayFindPairs() ? mBoxes.Ids().size() : 0;
-    mSlimBoxes.resize(boxes);
-    mBoxTraits.resize(mAnyMask ? boxes : 0);
+void PairWalk::placeBoxes() {
+    const std::size_t boxes = mBoxes.Ids().size();
+    const bool slim = mBoxes.MayFindPairs();
+    mSlimBoxes.resize(slim ? boxes : 0);
+    mBoxTraits.resize(slim && mAnyMask ? boxes : 0);
     for (std::size_t index = 0; index < boxes; ++index) {
         const Id id = mBoxes.Ids()[index];
-        const Body& box = body(id);
+        Body& box = body(id);
+        box.place = mBoxes.PlaceOf(static_cast<int>(index));
         const auto place = static_cast<std::size_t>(box.place);
+        if (!slim)
+            continue;
         const float doubt = box.upright ? DoubtOf(box.sphere.center, box.size) : AllDoubt;
         mSlimBoxes[place] = SlimBoxOf(box.sphere.center, turnOf(id), box.size, doubt);
         if (mAnyMask)

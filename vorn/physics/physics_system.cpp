@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vorn/physics/physics_system.hpp"
 
+#include "vorn/core/fetch.hpp"
 #include "vorn/physics/pair_walk.hpp"
 #include "vorn/physics/physics_cmpt.hpp"
 #include "vorn/scene/entity.hpp"
@@ -29,9 +30,9 @@ void PhysicsSystem::Init() {
 void PhysicsSystem::Update(float dt) {
     mStepTimer -= dt;
     const bool step = mStepTimer < 0.0f;
-    for (PhysicsCmpt* cmpt : mCmpts.Cmpts()) {
+    const auto update = [&](PhysicsCmpt* cmpt) {
         if (const Entity* entity = cmpt->Parent(); !entity || !entity->IsAlive())
-            continue;
+            return;
         if (step) {
             ComputeFinalForce(cmpt);
             ComputeLinearAcceleration(cmpt);
@@ -42,7 +43,21 @@ void PhysicsSystem::Update(float dt) {
         }
         if (mDebug)
             cmpt->DrawDebug();
-    }
+    };
+    VisitFetching(
+        mCmpts.Cmpts(),
+        [](const PhysicsCmpt* cmpt) {
+            Fetch(&cmpt->mMass);
+            Fetch(&cmpt->mLinearVelocity);
+            Fetch(&cmpt->mLinearAcceleration);
+        },
+        [](const PhysicsCmpt* cmpt) {
+            if (const Entity* entity = cmpt->Parent()) {
+                Fetch(&entity->Position());
+                Fetch(&entity->Scale());
+            }
+        },
+        update);
     if (!step)
         return;
     mStepTimer = mStep;

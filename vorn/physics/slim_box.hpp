@@ -30,15 +30,19 @@ inline constexpr float AllDoubt = std::numeric_limits<float>::infinity();
 /// distance of the two boxes. What else is rounded is less than two fifths of that.
 inline float DoubtOf(const Vector3& center, const Vector3& size) {
     const float x = std::abs(size.x), y = std::abs(size.y), z = std::abs(size.z);
-    return 2e-6f * (center.Length() + 15 * (x + y + z)) / std::min({x, y, z});
+    const float out = std::abs(center.x) + std::abs(center.y) + std::abs(center.z);
+    return 2e-6f * (out + 15 * (x + y + z)) / std::min({x, y, z});
 }
 
 inline SlimBox SlimBoxOf(const Vector3& center, const BodyTurn& turn, const Vector3& size,
                          float doubt) {
-    const float* t = turn.m;
-    return {Float4{t[0], t[2], t[1], center.x}, Float4{t[3], t[5], t[4], center.y},
-            Float4{t[6], t[8], t[7], center.z},
-            Float4{std::abs(size.x) / 2, std::abs(size.z) / 2, std::abs(size.y) / 2, doubt}};
+    SlimBox box{turn.x, turn.y, turn.z,
+                Float4{std::abs(size.x), std::abs(size.z), std::abs(size.y)} * 0.5f};
+    box.x[3] = center.x;
+    box.y[3] = center.y;
+    box.z[3] = center.z;
+    box.half[3] = doubt;
+    return box;
 }
 
 } // namespace Vorn
