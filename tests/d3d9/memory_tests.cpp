@@ -15,21 +15,22 @@ thread_local int untilFailure = -1;
 
 } // namespace
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+// Where gcc takes some of these into their callers and others not, it sees a mismatch.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return untilFailure >= 0 && untilFailure-- == 0 ? nullptr : std::malloc(size ? size : 1);
 }
-void* operator new(std::size_t size) {
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (void* memory = operator new(size, std::nothrow))
         return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, const std::nothrow_t&) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 

@@ -6,6 +6,7 @@
 #include "tests/math/exact.hpp"
 #include "tests/support/engine_device.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -126,14 +127,15 @@ inline Model RandomModel(Random& random, std::uint32_t kind) {
 /// The elements of a vector, a quaternion, an array or a number.
 template <typename V>
 void Append(std::vector<float>& floats, const V& v) {
+    const auto append = [&floats](const auto&... each) { (floats.push_back(each), ...); };
     if constexpr (requires { v.w; })
-        floats.insert(floats.end(), {v.x, v.y, v.z, v.w});
+        append(v.x, v.y, v.z, v.w);
     else if constexpr (requires { v.z; })
-        floats.insert(floats.end(), {v.x, v.y, v.z});
+        append(v.x, v.y, v.z);
     else if constexpr (requires { v[0]; })
-        floats.insert(floats.end(), std::begin(v), std::end(v));
+        std::for_each(std::begin(v), std::end(v), append);
     else
-        floats.push_back(v);
+        append(v);
 }
 template <typename... V>
 std::vector<float> Floats(const V&... values) {
