@@ -41,6 +41,10 @@ inline Lanes Spread(const Lanes& f) {
 inline Lanes Twice(const Float4& f) {
     return __builtin_shufflevector(f, f, 0, 1, 2, 3, 0, 1, 2, 3);
 }
+/// The same from memory, of any alignment.
+inline Lanes TwiceAt(const void* from) {
+    return __builtin_bit_cast(Lanes, _mm256_broadcast_ps(static_cast<const __m128*>(from)));
+}
 /// As many fours as there are; `second` is none of them where there is one.
 inline Lanes Join(const Float4& first, const Float4& second) {
     return __builtin_shufflevector(first, second, 0, 1, 2, 3, 4, 5, 6, 7);
@@ -62,6 +66,9 @@ inline LaneInts FromBytes(const std::uint8_t* bytes) {
 }
 inline const Float4& Twice(const Float4& f) {
     return f;
+}
+inline Float4 TwiceAt(const void* from) {
+    return *static_cast<const LooseFour*>(from);
 }
 inline const Float4& Join(const Float4& first, const Float4& /*second*/) {
     return first;

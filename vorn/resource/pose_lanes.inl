@@ -54,10 +54,10 @@ inline void Store(const Rows& rows, Matrix4& matrix) {
         *reinterpret_cast<LooseLanes*>(matrix.m + VORN_LANES * i) = rows.r[i];
 }
 
-/// Each element is summed up in the order of Matrix4's own product.
-inline Rows Product(const Rows& left, const Float4 (&right)[4]) {
-    const Lanes r0 = Twice(right[0]), r1 = Twice(right[1]), r2 = Twice(right[2]),
-                r3 = Twice(right[3]);
+/// The rows of the right one are in all fours. Each element is summed up in the order of Matrix4's
+/// own product.
+inline Rows Product(const Rows& left, const Lanes& r0, const Lanes& r1, const Lanes& r2,
+                    const Lanes& r3) {
     Rows product;
     for (std::size_t i = 0; i < std::size(left.r); ++i) {
         const Lanes& l = left.r[i];
@@ -205,16 +205,17 @@ inline void Gather(Bone* bones, std::size_t count, bool restart, float time, Int
 }
 
 inline void Place(Bone& bone, const Bone* parent, const LocalRows& local) {
-    const Float4 rows[4] = {local.r[0], local.r[1], local.r[2], {0, 0, 0, 1}};
+    constexpr Float4 last = {0, 0, 0, 1};
     Rows world;
     if (parent)
-        world = Product(RowsOf(parent->mWorld), rows);
+        world = Product(RowsOf(parent->mWorld), TwiceAt(&local.r[0]), TwiceAt(&local.r[1]),
+                        TwiceAt(&local.r[2]), Twice(last));
     else
-        world = Join(rows);
+        world = Join({local.r[0], local.r[1], local.r[2], last});
     Store(world, bone.mWorld);
     const float* const offset = bone.mOffset.m;
-    Store(Product(world,
-                  {FourAt(offset), FourAt(offset + 4), FourAt(offset + 8), FourAt(offset + 12)}),
+    Store(Product(world, TwiceAt(offset), TwiceAt(offset + 4), TwiceAt(offset + 8),
+                  TwiceAt(offset + 12)),
           bone.mFinal);
 }
 
