@@ -7,8 +7,12 @@ namespace Tests {
 
 class WaylandTest : public DesktopTest {
 protected:
-    // The whole desktop is a window to the X server, and has to have the focus there.
-    void SetUp() override { Type("search --class weston windowfocus"); }
+    // The whole desktop is a window to the X server, and has to have the focus there. Where it came
+    // up under the mouse it may not know where that is, so the mouse comes in from outside.
+    void SetUp() override {
+        Type("search --class weston windowfocus");
+        Type("mousemove 1200 900 mousemove 640 512");
+    }
 
     // Here a window comes into being, and takes another size, with its next picture.
     static void Present(HWND window) {
