@@ -12,7 +12,9 @@ library_packages=(g++ cmake ninja-build pkg-config libjsoncpp-dev libsdl2-dev
   dpkg-dev file)
 build_packages=("${library_packages[@]}"
   assimp-testmodels libvalijson-dev libgtest-dev libgmock-dev libbenchmark-dev libbullet-dev xvfb xauth xdotool weston)
-check_packages=(clang clang-format libclang-rt-14-dev)
+# llvm has the program that gives the sanitizers' reports their names and lines; without it they warn in the midst of
+# what tests read.
+check_packages=(clang clang-format libclang-rt-14-dev llvm)
 
 as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
